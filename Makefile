@@ -1,0 +1,52 @@
+# The two commands for a new user are `make demo` and `make check`.
+# Everything else here serves them, or the fuzzers (`make fuzz`).
+
+JOBS ?= 2
+BUILD ?= build
+SAN_BUILD ?= build-sanitize
+FUZZ_BUILD ?= build-fuzz
+FUZZ_SECONDS ?= 60
+
+.PHONY: demo check deps build build-sanitize test test-sanitize fuzz fuzz-build fuzz-smoke format format-check
+
+demo: build
+	./scripts/demo $(BUILD)/TCEngine
+
+check: deps
+	$(MAKE) test
+	$(MAKE) test-sanitize
+
+deps:
+	./scripts/install-deps
+
+build: deps
+	cmake -S . -B $(BUILD) -DCMAKE_BUILD_TYPE=RelWithDebInfo
+	cmake --build $(BUILD) -j$(JOBS)
+
+test:
+	cmake -S . -B $(BUILD) -DCMAKE_BUILD_TYPE=RelWithDebInfo
+	cmake --build $(BUILD) -j$(JOBS)
+	cd $(BUILD) && ctest --output-on-failure -j$(JOBS)
+
+test-sanitize:
+	cmake -S . -B $(SAN_BUILD) -DCMAKE_BUILD_TYPE=Debug -DTC_SANITIZE=ON
+	cmake --build $(SAN_BUILD) -j$(JOBS)
+	cd $(SAN_BUILD) && ctest --output-on-failure -j$(JOBS)
+
+fuzz-build: deps
+	CXX=clang++-14 cmake -S . -B $(FUZZ_BUILD) -DCMAKE_BUILD_TYPE=RelWithDebInfo -DTC_FUZZ=ON
+	cmake --build $(FUZZ_BUILD) -j$(JOBS)
+
+# Each target for FUZZ_SECONDS, growing a working corpus seeded from fuzz/corpus.
+fuzz: fuzz-build
+	./scripts/run-fuzzers $(FUZZ_BUILD) $(FUZZ_SECONDS)
+
+# A few seconds per target on its seeds: what CI runs.
+fuzz-smoke: fuzz-build
+	./scripts/run-fuzzers $(FUZZ_BUILD) 5
+
+format:
+	clang-format-14 -i $$(git ls-files '*.cpp' '*.h')
+
+format-check:
+	clang-format-14 --dry-run --Werror $$(git ls-files '*.cpp' '*.h')

@@ -1,0 +1,42 @@
+#ifndef TC_DATA_FILE_H
+#define TC_DATA_FILE_H
+
+#include <iostream>
+
+// The conventions every keyword file of the engine shares. A file is a stream
+// of whitespace-separated tokens read in a fixed order; keywords are skipped
+// without comparison and only the closing "end" is checked.
+
+// Judges "Tidecast_data_file <type> <version> <oldest reader>". Returns the
+// file's version, or 0 for a wrong magic or type (with a message on standard
+// output) and, silently, when the file needs a reader newer than max_version.
+int check_header(std::istream& in, const char* expected_type, int max_version);
+
+// "Tidecast_data_file <type> <version> <version>".
+void write_header(std::ostream& out, const char* type, int version);
+
+// 1 for "yes", "Yes", "YES"; 0 for anything else.
+int parse_yes_no(const char* token);
+const char* yes_no_text(int flag);
+
+// Reads one token; anything but "end" prints message, a new line,
+// "read <token>instead of end" and returns 0.
+int check_end(std::istream& in, const char* message);
+
+// Token readers that never overrun and never change the target when the stream
+// fails, so a field keeps its value when the file is cut short or malformed.
+// read_token keeps at most size - 1 characters of the token (and consumes all).
+int read_token(std::istream& in, char* buffer, int size);
+void skip_token(std::istream& in);
+int read_int(std::istream& in, int& value);
+int read_double(std::istream& in, double& value);
+
+// Degrees on file, radians in memory, in the engine's two exact forms.
+double radians_from_file(double degrees);
+double degrees_for_file(double radians);
+
+// Numbers as the writers print them: enough digits to read back the same value
+// in all practical cases, without trailing noise.
+void set_file_precision(std::ostream& out);
+
+#endif
