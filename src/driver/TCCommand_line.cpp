@@ -22,7 +22,9 @@ TCCommand_line::TCCommand_line()
       last_given_(0),
       increment_given_(0) {}
 
-TCCommand_line::~TCCommand_line() { std::free(slice_flags); }
+TCCommand_line::~TCCommand_line() {
+  std::free(slice_flags);
+}
 
 // Marks every slice named in a comma-separated list; an empty item is slice 0.
 static void mark_slices(const char* list, int n_slices, int* flags) {
@@ -82,18 +84,21 @@ int TCCommand_line::parse(int argc, char** argv) {
       }
       case 'S': {
         if (slices_given) {
-          std::cout << "can only specify -S once " << "\n";
+          std::cout << "can only specify -S once "
+                    << "\n";
           std::exit(1);
         }
         const int count = std::atoi(parser.optarg);
         if (count < 1) {
-          std::cout << "must be atleast one slice " << "\n";
+          std::cout << "must be atleast one slice "
+                    << "\n";
           std::exit(1);
         }
         // calloc leaves a large zeroed table to the kernel's blank pages.
         slice_flags = static_cast<int*>(std::calloc(static_cast<std::size_t>(count), sizeof(int)));
         if (slice_flags == nullptr) {
-          std::cout << "Memory allocation failure: too many slices " << "\n";
+          std::cout << "Memory allocation failure: too many slices "
+                    << "\n";
           std::exit(1);
         }
         n_slices = count;
@@ -102,7 +107,8 @@ int TCCommand_line::parse(int argc, char** argv) {
       }
       case 's':
         if (!slices_given) {
-          std::cout << "must specify number of slices before particular slices" << "\n";
+          std::cout << "must specify number of slices before particular slices"
+                    << "\n";
           std::exit(1);
         }
         mark_slices(parser.optarg, n_slices, slice_flags);

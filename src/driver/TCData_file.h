@@ -31,6 +31,9 @@ void skip_token(std::istream& in);
 int read_int(std::istream& in, int& value);
 int read_double(std::istream& in, double& value);
 
+// Copies a C string into a buffer of size characters, cutting it to fit.
+void copy_text(char* target, const char* source, int size);
+
 // Degrees on file, radians in memory, in the engine's two exact forms.
 double radians_from_file(double degrees);
 double degrees_for_file(double radians);

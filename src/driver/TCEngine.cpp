@@ -31,28 +31,42 @@ int check_type_sizes(std::size_t short_size, std::size_t int_size, std::size_t f
     required = 8;
   }
   if (problem == nullptr) return 1;
-  err << problem << required << "\n" << "code terminated " << "\n";
+  err << problem << required << "\n"
+      << "code terminated "
+      << "\n";
   err.flush();
   return 0;
 }
 
 void print_banner(std::ostream& out) {
   out << banner_dashes << "\n"
-      << "        Tidecast Rendering Engine        " << "\n"
-      << "               version 1.2              " << "\n"
+      << "        Tidecast Rendering Engine        "
+      << "\n"
+      << "               version 1.2              "
+      << "\n"
       << banner_dashes << "\n"
       << "\n";
-  if (verbose) out << "Compiled with VERBOSE on." << "\n";
+  if (verbose)
+    out << "Compiled with VERBOSE on."
+        << "\n";
   out << "\n";
 }
 
 void print_usage(std::ostream& out) {
-  out << "     TCEngine Usage:  " << "\n"
-      << "     -f: first frame " << "     -l: last frame  " << "     -i: increment   " << "\n"
-      << "     -S: number of camera slices " << "\n"
-      << "     -s: slices to be imaged (seperated by commas) " << "\n"
-      << "     followed by scene files to be run, e.g. " << "\n"
-      << "     TCEngine -f1 -l9 -i2 -S5 -s0,2 scene.dat " << "\n";
+  out << "     TCEngine Usage:  "
+      << "\n"
+      << "     -f: first frame "
+      << "     -l: last frame  "
+      << "     -i: increment   "
+      << "\n"
+      << "     -S: number of camera slices "
+      << "\n"
+      << "     -s: slices to be imaged (seperated by commas) "
+      << "\n"
+      << "     followed by scene files to be run, e.g. "
+      << "\n"
+      << "     TCEngine -f1 -l9 -i2 -S5 -s0,2 scene.dat "
+      << "\n";
 }
 
 void print_command_line_trace(std::ostream& out, const char* label, int frames_given, int first,
@@ -74,7 +88,8 @@ void run_scene_file(const char* name, const TCCommand_line& command, int traced)
 
   TCScene_input input;
   if (!input.read_scene(stream)) {
-    std::cout << "unable to proces scene input file " << "\n";
+    std::cout << "unable to proces scene input file "
+              << "\n";
     std::exit(1);
   }
 
@@ -89,8 +104,8 @@ void run_scene_file(const char* name, const TCCommand_line& command, int traced)
     input.set_frame_range(command.first_frame, command.last_frame, command.increment);
   }
   if (traced) {
-    print_command_line_trace(std::cout, "COMMAND LINEB: ", command.frames_given,
-                             input.first_frame, input.last_frame, input.increment);
+    print_command_line_trace(std::cout, "COMMAND LINEB: ", command.frames_given, input.first_frame,
+                             input.last_frame, input.increment);
   }
 }
 
@@ -106,7 +121,10 @@ int engine_main(int argc, char** argv) {
 
   if (first_scene < argc) {
     for (int i = first_scene; i < argc; i++) {
-      std::cout << " Executing Scene " << "\n" << argv[i] << "\n" << "\n";
+      std::cout << " Executing Scene "
+                << "\n"
+                << argv[i] << "\n"
+                << "\n";
       run_scene_file(argv[i], command, 0);
     }
   } else if (!command.any_option_seen) {
@@ -114,7 +132,9 @@ int engine_main(int argc, char** argv) {
     return 0;
   } else {
     print_calendar_time("Start Time: ");
-    std::cout << " Executing TCScene " << "\n" << "\n";
+    std::cout << " Executing TCScene "
+              << "\n"
+              << "\n";
     run_scene_file("scene.dat", command, 1);
     print_calendar_time("Finish Time: ");
   }

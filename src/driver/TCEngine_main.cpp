@@ -1,3 +1,5 @@
 #include "TCEngine.h"
 
-int main(int argc, char** argv) { return engine_main(argc, argv); }
+int main(int argc, char** argv) {
+  return engine_main(argc, argv);
+}

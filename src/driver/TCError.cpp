@@ -9,7 +9,8 @@ void report_error(const char* where, const char* what, const char* detail) {
 }
 
 void report_error_exit(const char* where) {
-  std::cerr << "\n->TCError in " << where << " : " << "\n";
+  std::cerr << "\n->TCError in " << where << " : "
+            << "\n";
   std::cerr.flush();
   std::exit(1);
 }

@@ -27,13 +27,15 @@ TCScene_input::~TCScene_input() {
 int TCScene_input::read_scene(std::istream& in) {
   const int file_version = check_header(in, "scene", 2);
   if (file_version == 0) {
-    std::cout << "scene file stream not of correct format" << "\n";
+    std::cout << "scene file stream not of correct format"
+              << "\n";
     return 0;
   }
   version = file_version;
   // The body (output names, object list, frame table) is not read by this
   // build yet: refuse the scene rather than render something half-read.
-  std::cout << "scene contents can't be read by this build of TCEngine" << "\n";
+  std::cout << "scene contents can't be read by this build of TCEngine"
+            << "\n";
   return 0;
 }
 

@@ -22,9 +22,7 @@ struct Words {
 // Parses the words as the engine does, with the frame override applied.
 void parse(TCCommand_line& command, std::vector<std::string> words, int* first_scene = nullptr) {
   Words w(words);
-  testing::internal::CaptureStderr();
   const int index = command.parse(w.argc(), w.argv());
-  testing::internal::GetCapturedStderr();
   command.apply_frame_override();
   if (first_scene) *first_scene = index;
 }

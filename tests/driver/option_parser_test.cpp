@@ -25,7 +25,7 @@ struct Result {
   std::string value;
 };
 
-std::vector<Result> scan_all(Words& words, TCOption_parser& parser) {
+std::vector<Result> scan_all(TCOption_parser& parser) {
   std::vector<Result> results;
   int option;
   while ((option = parser.next()) != -1) {
@@ -40,7 +40,7 @@ TEST(OptionParser, AttachedNegativeValueIsTaken) {
   Words w({"TCEngine", "-i-1", "scene.dat"});
   TCOption_parser parser(w.argc(), w.argv(), kOptions);
   parser.opterr = 0;
-  std::vector<Result> r = scan_all(w, parser);
+  std::vector<Result> r = scan_all(parser);
   ASSERT_EQ(r.size(), 1u);
   EXPECT_EQ(r[0].option, 'i');
   EXPECT_EQ(r[0].value, "-1");
@@ -51,7 +51,7 @@ TEST(OptionParser, DetachedValueBeginningWithDashIsRefused) {
   Words w({"TCEngine", "-i", "-1", "scene.dat"});
   TCOption_parser parser(w.argc(), w.argv(), kOptions);
   parser.opterr = 0;
-  std::vector<Result> r = scan_all(w, parser);
+  std::vector<Result> r = scan_all(parser);
   // The refusal, then "-1" scanned as a cluster whose letter is unknown.
   ASSERT_EQ(r.size(), 2u);
   EXPECT_EQ(r[0].option, '?');
@@ -62,7 +62,7 @@ TEST(OptionParser, DetachedValueBeginningWithDashIsRefused) {
 TEST(OptionParser, DetachedPlainValueIsTaken) {
   Words w({"TCEngine", "-f", "12", "-l", "20", "a.dat"});
   TCOption_parser parser(w.argc(), w.argv(), kOptions);
-  std::vector<Result> r = scan_all(w, parser);
+  std::vector<Result> r = scan_all(parser);
   ASSERT_EQ(r.size(), 2u);
   EXPECT_EQ(r[0].option, 'f');
   EXPECT_EQ(r[0].value, "12");
@@ -74,7 +74,7 @@ TEST(OptionParser, DetachedPlainValueIsTaken) {
 TEST(OptionParser, ClusterOfFlagsAndValue) {
   Words w({"TCEngine", "-RRf3"});
   TCOption_parser parser(w.argc(), w.argv(), kOptions);
-  std::vector<Result> r = scan_all(w, parser);
+  std::vector<Result> r = scan_all(parser);
   ASSERT_EQ(r.size(), 3u);
   EXPECT_EQ(r[0].option, 'R');
   EXPECT_EQ(r[1].option, 'R');
@@ -86,7 +86,7 @@ TEST(OptionParser, ClusterOfFlagsAndValue) {
 TEST(OptionParser, DoubleDashMarksIndexAndEndsOptions) {
   Words w({"TCEngine", "-R", "--", "-f3", "-l4"});
   TCOption_parser parser(w.argc(), w.argv(), kOptions);
-  std::vector<Result> r = scan_all(w, parser);
+  std::vector<Result> r = scan_all(parser);
   ASSERT_EQ(r.size(), 1u);
   EXPECT_EQ(parser.dash_index, 2);
   EXPECT_EQ(parser.optind, 3);

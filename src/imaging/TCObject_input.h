@@ -1,0 +1,63 @@
+#ifndef TC_OBJECT_INPUT_H
+#define TC_OBJECT_INPUT_H
+
+#include <iostream>
+
+#include "TCKeyframes.h"
+
+class TCObject_list_input;
+
+// Root of the input records: what an object line and the kind's own file say.
+// Every record can also pack itself into flat int, double and char arrays for
+// a process boundary, with size checks on both sides.
+class TCObject_input {
+ public:
+  TCObject_input();
+
+  // The kind's own file. Kinds without one read nothing and succeed.
+  virtual int read_file(const char* path);
+  virtual int write_file(const char* path);
+  // Allocates the three arrays with new (sizes from packing_sizes, in bytes
+  // in the *_bytes arguments) and fills them; the caller owns them.
+  virtual int pack(int*& ints, int& int_bytes, double*& doubles, int& double_bytes, char*& chars,
+                   int& char_bytes);
+  // Rebuilds the record from arrays of the given byte sizes, refusing sizes
+  // that differ from packing_sizes.
+  virtual int unpack(const int* ints, int int_bytes, const double* doubles, int double_bytes,
+                     const char* chars, int char_bytes);
+  virtual ~TCObject_input();
+  // Takes the variable-length counts from a packed int array so that
+  // packing_sizes gives the sender's numbers.
+  virtual void set_sizes_from_packed(const int* ints, const double* doubles, const char* chars);
+  // Counts of ints, doubles and chars; each class adds its own to its base's.
+  virtual void packing_sizes(int& n_ints, int& n_doubles, int& n_chars) const;
+
+  // An object line of the list, laid out by the list's version (set version
+  // first). Returns 0 for a kind word not in the table.
+  int read_object_line(std::istream& in);
+  int read_camera_line(std::istream& in);
+  int write_object_line(std::ostream& out) const;
+  int write_camera_line(std::ostream& out) const;
+
+  // Everything this root holds, from another record.
+  void copy_header(const TCObject_input& other);
+  // copy_header, then the kind's file.
+  int process_input(const TCObject_input& other);
+
+  TCKeyframes track;
+  double priority;
+  TCObject_list_input* list;
+  int object_id;
+  double start_time;
+  char object_name[256];
+  char object_type[256];
+  int type_code;
+  int version;
+  char object_file[256];
+
+ private:
+  TCObject_input(const TCObject_input&);
+  TCObject_input& operator=(const TCObject_input&);
+};
+
+#endif
