@@ -2,7 +2,7 @@
 #include <sstream>
 
 #include "TCData_file.h"
-#include "fuzz_quiet.h"
+#include "quiet_streams.h"
 
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
   silence_standard_streams();

@@ -3,7 +3,7 @@
 #include <vector>
 
 #include "TCObject_input.h"
-#include "fuzz_quiet.h"
+#include "quiet_streams.h"
 
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
   silence_standard_streams();

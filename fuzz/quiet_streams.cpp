@@ -1,4 +1,4 @@
-#include "fuzz_quiet.h"
+#include "quiet_streams.h"
 
 #include <iostream>
 

@@ -1,5 +1,5 @@
-#ifndef TC_FUZZ_QUIET_H
-#define TC_FUZZ_QUIET_H
+#ifndef TC_QUIET_STREAMS_H
+#define TC_QUIET_STREAMS_H
 
 #include <cstddef>
 #include <cstdint>
