@@ -43,9 +43,9 @@ int TCOption_parser::next() {
 
   letter_++;
   const bool word_done = word[letter_] == '\0';
-  const char* spec = (letter != ':') ? std::strchr(options_, letter) : nullptr;
+  const char* entry = (letter != ':') ? std::strchr(options_, letter) : nullptr;
 
-  if (spec == nullptr) {
+  if (entry == nullptr) {
     if (opterr) std::fprintf(stderr, "%s: illegal option -- %c\n", argv_[0], letter);
     if (word_done) {
       letter_ = 0;
@@ -54,7 +54,7 @@ int TCOption_parser::next() {
     return '?';
   }
 
-  if (spec[1] != ':') {
+  if (entry[1] != ':') {
     if (word_done) {
       letter_ = 0;
       optind++;
