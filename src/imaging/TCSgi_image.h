@@ -35,4 +35,20 @@ int rgb_read_texture_plane(const char* name, int plane, unsigned char* bytes, in
 // truncated, 0 at and below 0, 255 from 255 up. hi == lo is not guarded.
 unsigned char rgb_code_byte(double x, double lo, double hi);
 
+// Float of a byte over (lo, hi): lo + (hi - lo) * (byte + 0.5) / 255, the
+// middle of the byte's interval.
+float rgb_decode_byte(unsigned char byte, double lo, double hi);
+
+// One run-length row: packets from `packed` (n_packed bytes available) into
+// `row`. Returns 1 when the row ends, by a count with its low seven bits zero,
+// at exactly `columns` pixels; 0 when it would run past the row, ends short or
+// runs out of input. Never touches memory outside the two buffers.
+int rgb_decode_row(const unsigned char* packed, long n_packed, unsigned char* row, int columns);
+
+// What the byte readers do, without ending the process: plane `plane` as raw
+// bytes, row-major. A run-length row that does not decode sets bad_row to 1
+// and returns 0 silently; every other failure prints its line and returns 0.
+int rgb_load_plane(const char* name, int plane, unsigned char* bytes, const int dims[2],
+                   int& bad_row);
+
 #endif

@@ -1,0 +1,17 @@
+#ifndef TC_HDF_IMAGE_H
+#define TC_HDF_IMAGE_H
+
+// Float image planes in HDF 4 files: one bare 32-bit float data set per plane,
+// of rank 2 with dims (rows, columns), appended in plane order. Each call
+// prints its line and returns 0 on failure.
+
+// Writes a plane. With first_flag set the file is created (an earlier one is
+// truncated) and first_flag is cleared; otherwise the plane is appended.
+int hdf_write_plane(const char* name, const float* data, const int dims[2], int& first_flag);
+
+// Reads the data set of index `plane` (from 0) into data, which holds
+// dims[0] * dims[1] floats. Refused unless every data set passed on the way is
+// a float plane of exactly those dims.
+int hdf_read_plane(const char* name, int plane, float* data, const int dims[2]);
+
+#endif
