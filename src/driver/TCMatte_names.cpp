@@ -75,3 +75,25 @@ void matte_name(int code, char* buffer) {
     std::snprintf(buffer, matte_name_size, "matte%d", code);
   }
 }
+
+int matte_file_name(const char* object_name, int code, const char* base, char* out, int length) {
+  if (out == nullptr || length < 1) return 0;
+  if (base == nullptr) base = "";
+  const std::size_t base_length = std::strlen(base);
+  const char last = base_length > 0 ? base[base_length - 1] : '\0';
+  const bool own_separator = last == '.' || last == '_' || last == '-';
+
+  char matte[matte_name_size];
+  matte_name(code, matte);
+  const bool scene = object_name == nullptr || std::strcmp(object_name, "scene") == 0;
+
+  int written = 0;
+  if (own_separator) {
+    written = std::snprintf(out, static_cast<std::size_t>(length), "%s%s%s%s%c", base,
+                            scene ? "" : object_name, scene ? "" : "_", matte, last);
+  } else {
+    written = std::snprintf(out, static_cast<std::size_t>(length), "%s_%s%s%s", base,
+                            scene ? "" : object_name, scene ? "" : "_", matte);
+  }
+  return written >= 0 && written < length ? 1 : 0;
+}

@@ -11,4 +11,13 @@ int matte_code(const char* name);
 // buffer must hold at least 32 characters.
 void matte_name(int code, char* buffer);
 
+// Prefix of a matte's output file, into out of length characters: base, the
+// object's name and "_" (nothing for the word "scene"; a null name counts as
+// the scene), then matte_name(code). A base ending in ".", "_" or "-" uses
+// that character as its separator and repeats it after the matte's name;
+// any other base gets "_" behind it. "pic." gives "pic.boat_distance.",
+// "pic" gives "pic_boat_distance". Returns 0 if out is too short (the name
+// is then cut) or missing.
+int matte_file_name(const char* object_name, int code, const char* base, char* out, int length);
+
 #endif

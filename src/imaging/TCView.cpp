@@ -1,5 +1,19 @@
 #include "TCView.h"
 
+#include <cmath>
+
+#include "TCConstants.h"
+
+namespace {
+
+// The polygon scan wraps bearings by this step, a shade short of two pi.
+const double bearing_wrap_step = 6.2831853;
+
+// Fixed units of the polygon scan: thousandths of the angle's measure.
+const double polar_units = 1000.0;
+
+}  // namespace
+
 TCView::TCView()
     : chi(0.0),
       phi(0.0),
@@ -66,6 +80,118 @@ void TCView::copy(const TCView& other) {
   anti_alias = other.anti_alias;
   resampling_elevation = other.resampling_elevation;
   resampling_azimuth = other.resampling_azimuth;
+}
+
+void TCView::pixel_bounds(int row, int col, double& e0, double& e1, double& a0, double& a1) const {
+  e0 = first_elevation + row * step_elevation;
+  e1 = first_elevation + (row + 1) * step_elevation;
+  a0 = first_azimuth + col * step_azimuth;
+  a1 = first_azimuth + (col + 1) * step_azimuth;
+}
+
+void TCView::pixel_view(int row, int col, TCView& out) const {
+  double e0, e1, a0, a1;
+  pixel_bounds(row, col, e0, e1, a0, a1);
+  out.copy(*this);
+  out.set_grid(1, e0, e1, 1, a0, a1);
+}
+
+void TCView::point_to_view(const TCVector& p, TCVector& out) const {
+  out = world_to_view.times(p - position);
+}
+
+void TCView::direction_to_view(const TCVector& d, TCVector& out) const {
+  out = world_to_view.times(d);
+}
+
+void TCView::point_from_view(const TCVector& p, TCVector& out) const {
+  out = object_to_world.times(p) + position;
+}
+
+void TCView::direction_from_view(const TCVector& d, TCVector& out) const {
+  out = object_to_world.times(d);
+}
+
+// The view looks along its +z; the plane at unit distance carries -x as
+// elevation and -y as azimuth.
+int TCView::project(const TCVector& world_point, double& e, double& a) const {
+  const TCVector v = world_to_view.times(world_point - position);
+  if (v.z == 0.0) return 0;
+  e = -v.x / v.z;
+  a = -v.y / v.z;
+  return 1;
+}
+
+void TCView::plane_ray(double e, double a, TCRay& ray) const {
+  const double length = std::sqrt(e * e + a * a + 1.0);
+  const TCVector in_view(-e / length, -a / length, 1.0 / length);
+  ray.set_origin(position);
+  ray.set_direction(object_to_world.times(in_view));
+}
+
+void TCView::pixel_ray(int row, int col, TCRay& ray) const {
+  double e0, e1, a0, a1;
+  pixel_bounds(row, col, e0, e1, a0, a1);
+  plane_ray((e0 + e1) * 0.5, (a0 + a1) * 0.5, ray);
+}
+
+// The pixel is a rectangle on the plane, so bilinear interpolation of its
+// corners is a blend of each axis's bounds.
+void TCView::fractional_ray(int row, int col, double row_fraction, double col_fraction,
+                            TCRay& ray) const {
+  double e0, e1, a0, a1;
+  pixel_bounds(row, col, e0, e1, a0, a1);
+  plane_ray(e0 + row_fraction * (e1 - e0), a0 + col_fraction * (a1 - a0), ray);
+}
+
+void TCView::polar_of(const TCVector& point, double bearing_offset, double& elevation,
+                      double& bearing) const {
+  const TCVector d = point - position;
+  const double distance = std::sqrt(d.dot(d));
+  elevation = distance > 0.0 ? d.z / distance : 0.0;
+  bearing = std::atan2(d.x, -d.y) + bearing_offset;
+  while (bearing > tc_pi) bearing -= bearing_wrap_step;
+  while (bearing < -tc_pi) bearing += bearing_wrap_step;
+  elevation *= polar_units;
+  bearing *= polar_units;
+}
+
+int TCView::view_limits(double& min_azimuth, double& max_azimuth) const {
+  const double low_e = first_elevation < last_elevation ? first_elevation : last_elevation;
+  const double high_e = first_elevation < last_elevation ? last_elevation : first_elevation;
+  const double low_a = first_azimuth < last_azimuth ? first_azimuth : last_azimuth;
+  const double high_a = first_azimuth < last_azimuth ? last_azimuth : first_azimuth;
+
+  // Straight down or up, as a direction: only one of the two can lie ahead.
+  for (int sign = -1; sign <= 1; sign += 2) {
+    const TCVector v = world_to_view.times(TCVector(0.0, 0.0, sign));
+    if (v.z <= 0.0) continue;
+    const double e = -v.x / v.z;
+    const double a = -v.y / v.z;
+    if (e >= low_e && e <= high_e && a >= low_a && a <= high_a) {
+      min_azimuth = -tc_pi;
+      max_azimuth = tc_pi;
+      return 1;
+    }
+  }
+
+  // Without a pole in the window, azimuth is monotonic along its edges, so
+  // the corners bound it. Each is measured from the centre's azimuth to
+  // keep an interval across the -pi/pi seam in one piece.
+  TCRay ray;
+  plane_ray((first_elevation + last_elevation) * 0.5, (first_azimuth + last_azimuth) * 0.5, ray);
+  const double centre = std::atan2(ray[4], ray[3]);
+  const double corner_e[4] = {first_elevation, first_elevation, last_elevation, last_elevation};
+  const double corner_a[4] = {first_azimuth, last_azimuth, first_azimuth, last_azimuth};
+  for (int corner = 0; corner < 4; corner++) {
+    plane_ray(corner_e[corner], corner_a[corner], ray);
+    double offset = std::atan2(ray[4], ray[3]) - centre;
+    while (offset > tc_pi) offset -= tc_two_pi;
+    while (offset < -tc_pi) offset += tc_two_pi;
+    if (corner == 0 || centre + offset < min_azimuth) min_azimuth = centre + offset;
+    if (corner == 0 || centre + offset > max_azimuth) max_azimuth = centre + offset;
+  }
+  return 0;
 }
 
 // Pixel pitch on the image plane. A grid of no pixels has no pitch: it keeps

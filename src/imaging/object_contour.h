@@ -1,9 +1,8 @@
 #ifndef TC_OBJECT_CONTOUR_H
 #define TC_OBJECT_CONTOUR_H
 
+#include "TCMatte_fields.h"
 #include "TCSpectrum.h"
-
-class TCMatte_fields;
 
 // The depth-aware render target objects paint into: one layer per object,
 // merged front to back into the caller's radiance planes.
@@ -14,10 +13,49 @@ class object_contour {
   object_contour(int n_rows_in, int n_cols_in, TCSpectrum* spectrum_in, float** radiance_out_in,
                  float min_distance_in, int anti_alias_in, TCMatte_fields* matte_target_in,
                  const unsigned char* mask);
+  // The same, with radiance_out allocated here ([band][pixel], zeroed) and
+  // freed with the contour.
+  object_contour(int n_rows_in, int n_cols_in, TCSpectrum* spectrum_in, float min_distance_in,
+                 int anti_alias_in, TCMatte_fields* matte_target_in, const unsigned char* mask);
+  // For an object that keeps a contour for good: borrows the grid, spectrum,
+  // mask, every array and the near limit of source, which must outlive it,
+  // and owns none of them. Flags start afresh; the shared arrays are left
+  // as they stand.
+  object_contour(object_contour& source, float min_distance_in, TCMatte_fields* matte_target_in);
   ~object_contour();
 
-  // Back to the starting values, every object active.
+  // Back to the starting values, every object active, the matte sample
+  // cleared.
   void reset();
+
+  // 0 when a sample over [near, far] at this pixel cannot show: in front of
+  // the near limit, or behind what already covers the pixel. Pixels outside
+  // the patch are never wanted.
+  int pixel_wanted(int row, int col, double near, double far) const;
+  // 0 for a pixel with nothing in it yet and for a masked pixel.
+  int pixel_open(int row, int col) const;
+
+  // One sample into the current object's layer. Radiance is per band and
+  // already multiplied by coverage; distances are those of the painting
+  // object (near <= distance <= far). A sample whose distance is below
+  // min_distance is dropped whole. With a matte target, the object's mattes
+  // take the same weights; the per-ray sample may be null.
+  void add_sample(int row, int col, const double* radiance, double near, double distance,
+                  double far, double coverage, int object, const TCMatte_sample* sample);
+  void add_sample_float(int row, int col, const float* radiance, double near, double distance,
+                        double far, double coverage, int object, const TCMatte_sample* sample);
+  // Near and far both taken as the distance.
+  void add_sample_plain(int row, int col, const float* radiance, double distance, double coverage,
+                        int object, const TCMatte_sample* sample);
+  // Radiance taken from the contour's spectrum record.
+  void add_sample_from_spectrum(int row, int col, double near, double distance, double far,
+                                double coverage, int object, const TCMatte_sample* sample);
+  void add_sample_spectrum_plain(int row, int col, double distance, double coverage, int object,
+                                 const TCMatte_sample* sample);
+
+  // Takes the layer into radiance_out front to back and empties it, marking
+  // pixels where two depth ranges overlap for refinement.
+  void merge_layer();
 
   int n_rows;
   int n_cols;
@@ -40,6 +78,7 @@ class object_contour {
   short any_marked;
   short** marked;
   TCMatte_fields* matte_target;
+  TCMatte_sample matte_sample;  // per-ray matte values an object may gather
   int active[100];
   int forced_object;
 
@@ -48,6 +87,17 @@ class object_contour {
   // Bands allocated in layer_radiance, fixed at construction whatever later
   // happens to the shared spectrum.
   int n_bands_;
+  int owns_arrays_;
+  int owns_radiance_out_;
+
+  void allocate_arrays();
+  void allocate_radiance_out();
+  int inside(int row, int col) const;
+  // Places a sample's coverage, distance and depth range in the layer and
+  // gives the radiance blend, layer = keep * layer + add * radiance, and
+  // the matte's weight of what stood before. 0 when nothing is added.
+  int place_sample(int row, int col, double near, double distance, double far, double coverage,
+                   double& keep, double& add, double& weight_old);
   float** new_plane(float value);
   void fill_plane(float** plane, float value);
   void delete_plane(float** plane);

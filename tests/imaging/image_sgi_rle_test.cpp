@@ -61,7 +61,7 @@ std::vector<unsigned char> run_length_file() {
       0xBB,
       0x00,
   };
-  b.insert(b.end(), packets, packets + sizeof(packets));
+  for (unsigned char c : packets) b.push_back(c);
   const unsigned int starts[4] = {544, 549, 552, 558};
   const unsigned int lengths[4] = {5, 3, 6, 5};
   for (int i = 0; i < 4; i++) {

@@ -43,12 +43,12 @@ void expect_starting_values(const object_contour& c) {
   }
 }
 
-TEST(ObjectContour, EmptyValuesAreTheDocumentedConstants) {
+TEST(ContourSetup, EmptyValuesAreTheDocumentedConstants) {
   EXPECT_EQ(contour_empty_distance, 1e16f);
   EXPECT_EQ(contour_empty_far, -1.0f);
 }
 
-TEST(ObjectContour, ConstructionStartsEmptyWithEveryObjectActive) {
+TEST(ContourSetup, ConstructionStartsEmptyWithEveryObjectActive) {
   TCSpectrum bands(3);
   Radiance_planes out(3, 12);
   object_contour c(3, 4, &bands, out.planes, 2.5f, 1, nullptr, nullptr);
@@ -64,7 +64,7 @@ TEST(ObjectContour, ConstructionStartsEmptyWithEveryObjectActive) {
   expect_starting_values(c);
 }
 
-TEST(ObjectContour, WithoutAntiAliasingTheDepthRangeTablesDoNotExist) {
+TEST(ContourSetup, WithoutAntiAliasingTheDepthRangeTablesDoNotExist) {
   TCSpectrum bands(1);
   Radiance_planes out(1, 4);
   object_contour c(2, 2, &bands, out.planes, 0.0f, 0, nullptr, nullptr);
@@ -76,7 +76,7 @@ TEST(ObjectContour, WithoutAntiAliasingTheDepthRangeTablesDoNotExist) {
   expect_starting_values(c);
 }
 
-TEST(ObjectContour, MaskedPixelsStartFilledAtDistanceZero) {
+TEST(ContourSetup, MaskedPixelsStartFilledAtDistanceZero) {
   TCSpectrum bands(2);
   Radiance_planes out(2, 6);
   // Row major: pixel (0, 1) and (1, 2) are masked; 2 is not a mask value.
@@ -95,7 +95,7 @@ TEST(ObjectContour, MaskedPixelsStartFilledAtDistanceZero) {
   }
 }
 
-TEST(ObjectContour, MaskWithoutAntiAliasingSetsOnlyDistanceAndCoverage) {
+TEST(ContourSetup, MaskWithoutAntiAliasingSetsOnlyDistanceAndCoverage) {
   TCSpectrum bands(1);
   Radiance_planes out(1, 2);
   const unsigned char mask[2] = {1, 0};
@@ -106,7 +106,7 @@ TEST(ObjectContour, MaskWithoutAntiAliasingSetsOnlyDistanceAndCoverage) {
   EXPECT_EQ(c.total_coverage[0][1], 0.0f);
 }
 
-TEST(ObjectContour, ResetRestoresTheStartingValuesAndTheMask) {
+TEST(ContourSetup, ResetRestoresTheStartingValuesAndTheMask) {
   TCSpectrum bands(2);
   Radiance_planes out(2, 4);
   const unsigned char mask[4] = {0, 0, 0, 1};
@@ -146,7 +146,7 @@ TEST(ObjectContour, ResetRestoresTheStartingValuesAndTheMask) {
   EXPECT_EQ(out.planes[1][3], 4.0f);  // the caller's planes are the caller's
 }
 
-TEST(ObjectContour, LayerRadianceHasOnePlanePerBand) {
+TEST(ContourSetup, LayerRadianceHasOnePlanePerBand) {
   TCSpectrum bands(5);
   Radiance_planes out(5, 6);
   object_contour c(3, 2, &bands, out.planes, 0.0f, 0, nullptr, nullptr);
@@ -159,14 +159,14 @@ TEST(ObjectContour, LayerRadianceHasOnePlanePerBand) {
   EXPECT_EQ(c.layer_radiance[0][0][0], 0.0f);
 }
 
-TEST(ObjectContour, EmptyPatchIsAllowed) {
+TEST(ContourSetup, EmptyPatchIsAllowed) {
   TCSpectrum bands(1);
   object_contour c(0, 0, &bands, nullptr, 0.0f, 1, nullptr, nullptr);
   EXPECT_EQ(c.n_rows, 0);
   c.reset();
 }
 
-TEST(ObjectContourDeathTest, NegativeSizeIsAnAllocationFailure) {
+TEST(ContourSetupDeathTest, NegativeSizeIsAnAllocationFailure) {
   TCSpectrum bands(1);
   EXPECT_EXIT({ object_contour c(-1, 4, &bands, nullptr, 0.0f, 0, nullptr, nullptr); },
               ::testing::ExitedWithCode(1), "");
