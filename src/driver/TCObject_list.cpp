@@ -1,8 +1,29 @@
 #include "TCObject_list.h"
 
+#include <cstdlib>
 #include <cstring>
+#include <new>
 
 #include "TCObject.h"
+#include "TCObject_kinds.h"
+#include "TCRay.h"
+#include "TCSpectrum.h"
+#include "TCVector.h"
+#include "TCView.h"
+#include "object_contour.h"
+
+// Cameras and the sun are only declared until their runtime classes exist.
+// Until then nothing can make one, so the list's pointers to them stay null
+// and there is nothing to delete or print; once a header lands, the list
+// deletes and prints what it holds.
+#if __has_include("TCCamera.h")
+#include "TCCamera.h"
+#define TC_LIST_HAS_CAMERAS 1
+#endif
+#if __has_include("TCStar.h")
+#include "TCStar.h"
+#define TC_LIST_HAS_SUN 1
+#endif
 
 namespace {
 
@@ -15,13 +36,444 @@ int compare_sign(const char* a, const char* b) {
   return 0;
 }
 
-}  // namespace
-
-TCObject_list::TCObject_list() : n_objects(0) {
-  for (int i = 0; i < max_objects; i++) objects[i] = nullptr;
+// The kinds the surface queries look at: the ones a point can be under.
+int is_surface_kind(int type) {
+  return type == TC_KIND_OCEAN || type == TC_KIND_AIR || type == TC_KIND_LAND;
 }
 
-TCObject_list::~TCObject_list() {}
+void contour_allocation_failed() {
+  std::cout << " unable to allocate object_contour array "
+            << "\n";
+  std::exit(1);
+}
+
+void refinement_allocation_failed() {
+  std::cout << "unable to allocate memory for imaging"
+            << "\n";
+  std::exit(1);
+}
+
+}  // namespace
+
+TCObject_list::TCObject_list()
+    : n_objects(0), n_cameras(0), sun(nullptr), number_of_bands(0), objects_spectrum(nullptr) {
+  for (int i = 0; i < max_objects; i++) {
+    objects[i] = nullptr;
+    cameras[i] = nullptr;
+    adopted_[i] = nullptr;
+  }
+}
+
+TCObject_list::~TCObject_list() {
+  destroy();
+}
+
+void TCObject_list::destroy() {
+  for (int i = 0; i < max_objects; i++) {
+    if (objects[i] != nullptr && objects[i] == adopted_[i]) delete objects[i];
+    objects[i] = nullptr;
+    adopted_[i] = nullptr;
+  }
+  n_objects = 0;
+  for (int i = 0; i < max_objects; i++) {
+#ifdef TC_LIST_HAS_CAMERAS
+    delete cameras[i];
+#endif
+    cameras[i] = nullptr;
+  }
+  n_cameras = 0;
+#ifdef TC_LIST_HAS_SUN
+  delete sun;
+#endif
+  sun = nullptr;
+  delete[] objects_spectrum;
+  objects_spectrum = nullptr;
+  number_of_bands = 0;
+}
+
+int TCObject_list::add_runtime_object(TCObject* object) {
+  if (object == nullptr) return 0;
+  if (n_objects >= max_objects) {
+    std::cout << "maximum number of objects exceeded "
+              << "\n";
+    return 0;
+  }
+  object->object_id = n_objects;
+  object->list = this;
+  objects[n_objects] = object;
+  adopted_[n_objects] = object;
+  n_objects++;
+  return 1;
+}
+
+int TCObject_list::remove_object(int index) {
+  if (index < 0 || index >= n_objects || index >= max_objects) return 0;
+  if (objects[index] != nullptr && objects[index] == adopted_[index]) delete objects[index];
+  for (int i = index; i + 1 < n_objects; i++) {
+    objects[i] = objects[i + 1];
+    adopted_[i] = adopted_[i + 1];
+    if (objects[i] != nullptr) objects[i]->object_id = i;
+  }
+  n_objects--;
+  objects[n_objects] = nullptr;
+  adopted_[n_objects] = nullptr;
+  return 1;
+}
+
+int TCObject_list::set_bands(int count, const TCBand* bands) {
+  if (count < 1 || bands == nullptr) {
+    std::cout << "must define atleast one band"
+              << "\n";
+    return 0;
+  }
+  TCBand* copy = new (std::nothrow) TCBand[count];
+  if (copy == nullptr) {
+    std::cout << "unable to allocate bands "
+              << "\n";
+    std::exit(1);
+  }
+  for (int i = 0; i < count; i++) copy[i] = bands[i];
+  delete[] objects_spectrum;
+  objects_spectrum = copy;
+  number_of_bands = count;
+  return 1;
+}
+
+int TCObject_list::band_index(int id) const {
+  for (int i = 0; i < number_of_bands; i++) {
+    if (objects_spectrum[i].band_id == id) return i;
+  }
+  return -1;
+}
+
+// ---- Imaging passes ----
+
+void TCObject_list::image_scene(int* active, TCView& view, TCSpectrum* spectrum,
+                                float** radiance_out, double min_distance, object_contour* contour,
+                                int keep_flag) {
+  image_pass(main_pass, active, view, spectrum, radiance_out, min_distance, contour, keep_flag);
+}
+
+void TCObject_list::image_scene_for_source(int source_object, TCView& view, TCSpectrum* spectrum,
+                                           float** radiance_out, double min_distance,
+                                           object_contour* contour) {
+  int flags[max_objects];
+  for (int i = 0; i < max_objects; i++) flags[i] = 1;
+  if (source_object >= 0 && source_object < max_objects) flags[source_object] = 0;
+  image_pass(main_pass, flags, view, spectrum, radiance_out, min_distance, contour, 1);
+}
+
+void TCObject_list::image_with_contour(TCView& view, object_contour& contour) {
+  image_pass(main_pass, contour.active, view, contour.spectrum, contour.radiance_out,
+             contour.min_distance, &contour, 1);
+}
+
+void TCObject_list::image_scene_secondary(int* active, TCView& view, TCSpectrum* spectrum,
+                                          float** radiance_out, double min_distance,
+                                          object_contour* contour, int keep_flag) {
+  image_pass(secondary_pass, active, view, spectrum, radiance_out, min_distance, contour,
+             keep_flag);
+}
+
+void TCObject_list::image_scene_secondary_for_source(int source_object, TCView& view,
+                                                     TCSpectrum* spectrum, float** radiance_out,
+                                                     double min_distance, object_contour* contour) {
+  int flags[max_objects];
+  for (int i = 0; i < max_objects; i++) flags[i] = 1;
+  if (source_object >= 0 && source_object < max_objects) flags[source_object] = 0;
+  image_pass(secondary_pass, flags, view, spectrum, radiance_out, min_distance, contour, 1);
+}
+
+void TCObject_list::image_secondary_with_contour(TCView& view, object_contour& contour) {
+  image_pass(secondary_pass, contour.active, view, contour.spectrum, contour.radiance_out,
+             contour.min_distance, &contour, 1);
+}
+
+void TCObject_list::image_surface_line(int* active, TCView& view, TCSpectrum* spectrum,
+                                       float** radiance_out, double min_distance,
+                                       object_contour* contour, int keep_flag) {
+  image_pass(surface_line_pass, active, view, spectrum, radiance_out, min_distance, contour,
+             keep_flag);
+}
+
+void TCObject_list::image_surface_line_for_source(int source_object, TCView& view,
+                                                  TCSpectrum* spectrum, float** radiance_out,
+                                                  double min_distance, object_contour* contour) {
+  int flags[max_objects];
+  for (int i = 0; i < max_objects; i++) flags[i] = 1;
+  if (source_object >= 0 && source_object < max_objects) flags[source_object] = 0;
+  image_pass(surface_line_pass, flags, view, spectrum, radiance_out, min_distance, contour, 1);
+}
+
+void TCObject_list::image_surface_line_with_contour(TCView& view, object_contour& contour) {
+  image_pass(surface_line_pass, contour.active, view, contour.spectrum, contour.radiance_out,
+             contour.min_distance, &contour, 1);
+}
+
+void TCObject_list::paint(Pass pass, int index, TCView& view, object_contour& contour) {
+  TCObject* object = objects[index];
+  if (object == nullptr) return;
+  if (pass == secondary_pass) {
+    object->image_reflected(view, contour);
+  } else if (pass == surface_line_pass) {
+    object->image_surface_line(view, contour);
+  } else {
+    object->image_contour(view, contour);
+  }
+}
+
+// The first layer of a contour whose first_flag is off is left in the layer
+// for the next merge to carry.
+void TCObject_list::paint_and_merge(Pass pass, int index, TCView& view, object_contour& contour) {
+  paint(pass, index, view, contour);
+  if (contour.first_flag == 0) {
+    contour.first_flag = 1;
+  } else {
+    contour.merge_layer();
+  }
+}
+
+void TCObject_list::image_pass(Pass pass, int* active, TCView& view, TCSpectrum* spectrum,
+                               float** radiance_out, double min_distance, object_contour* contour,
+                               int keep_flag) {
+  const int n_bands = spectrum != nullptr ? spectrum->n : 0;
+  const long n_pixels = static_cast<long>(view.n_rows) * view.n_cols;
+  if (radiance_out != nullptr) {
+    for (int b = 0; b < n_bands; b++) {
+      for (long k = 0; k < n_pixels; k++) radiance_out[b][k] = 0.0f;
+    }
+  }
+  if (n_objects <= 0) return;
+
+  object_contour* own = nullptr;
+  if (contour == nullptr) {
+    own = new (std::nothrow)
+        object_contour(view.n_rows, view.n_cols, spectrum, radiance_out,
+                       static_cast<float>(min_distance), view.anti_alias, nullptr, nullptr);
+    if (own == nullptr) contour_allocation_failed();
+    contour = own;
+  } else if (!keep_flag) {
+    // A fresh start for the painting state only: which objects take part
+    // and which one is forced are this pass's requests.
+    int saved_active[max_objects];
+    for (int i = 0; i < max_objects; i++) saved_active[i] = contour->active[i];
+    const int saved_forced = contour->forced_object;
+    contour->reset();
+    for (int i = 0; i < max_objects; i++) contour->active[i] = saved_active[i];
+    contour->forced_object = saved_forced;
+  }
+
+  // A reflected view carries no path radiance: the air paints it only once,
+  // along the primary view.
+  if (pass == secondary_pass) {
+    for (int i = 0; i < n_objects; i++) {
+      if (objects[i] != nullptr && objects[i]->get_type() == TC_KIND_AIR) active[i] = 0;
+    }
+  }
+
+  for (int i = 0; i < n_objects; i++) {
+    if (active[i] == 0) contour->active[i] = 0;
+    active[i] = contour->active[i];
+  }
+
+  const int inside = object_containing(active, view.position);
+  if (inside >= 0 && contour->min_distance == 0.0f && contour->near_limit_flag == 0) {
+    // The view starts inside this object, so nothing else can be seen.
+    paint(pass, inside, view, *contour);
+    if (contour->first_flag) {
+      if (radiance_out != nullptr) {
+        for (int b = 0; b < n_bands; b++) {
+          for (int row = 0; row < contour->n_rows && row < view.n_rows; row++) {
+            for (int col = 0; col < contour->n_cols && col < view.n_cols; col++) {
+              radiance_out[b][static_cast<long>(row) * view.n_cols + col] =
+                  contour->layer_radiance[b][row][col];
+            }
+          }
+        }
+      }
+    } else if (pass != secondary_pass) {
+      contour->first_flag = 1;
+    }
+  } else if (contour->forced_object >= 0 && contour->forced_object < n_objects &&
+             active[contour->forced_object]) {
+    paint_and_merge(pass, contour->forced_object, view, *contour);
+  } else if (pass == surface_line_pass) {
+    for (int i = 0; i < n_objects; i++) {
+      if (active[i] && objects[i] != nullptr && objects[i]->get_type() == TC_KIND_POLY) {
+        paint_and_merge(pass, i, view, *contour);
+      }
+    }
+    for (int i = 0; i < n_objects; i++) {
+      if (active[i] && objects[i] != nullptr && objects[i]->get_type() == TC_KIND_OCEAN) {
+        paint_and_merge(pass, i, view, *contour);
+      }
+    }
+  } else {
+    for (int i = 0; i < n_objects; i++) {
+      if (active[i]) paint_and_merge(pass, i, view, *contour);
+    }
+  }
+
+  if (pass != secondary_pass && view.anti_alias && contour->anti_alias && contour->any_marked) {
+    refine_marked(pass, active, view, spectrum, radiance_out, *contour);
+  }
+
+  delete own;
+}
+
+// Each marked pixel is imaged again as a small view of its own with
+// anti-aliasing off, so the inner pass never refines in turn. The sub-pixels
+// keep the contour's min_distance and forced object; a per-pixel near limit
+// is not carried into them.
+void TCObject_list::refine_marked(Pass pass, int* active, TCView& view, TCSpectrum* spectrum,
+                                  float** radiance_out, object_contour& contour) {
+  const int sub_rows = view.resampling_elevation;
+  const int sub_cols = view.resampling_azimuth;
+  if (sub_rows < 1 || sub_cols < 1 || radiance_out == nullptr) return;
+  const int n_bands = spectrum != nullptr ? spectrum->n : 0;
+  const long n_sub = static_cast<long>(sub_rows) * sub_cols;
+
+  float** scratch = new (std::nothrow) float*[n_bands > 0 ? n_bands : 1]();
+  if (scratch == nullptr) refinement_allocation_failed();
+  for (int b = 0; b < n_bands; b++) {
+    scratch[b] = new (std::nothrow) float[n_sub]();
+    if (scratch[b] == nullptr) refinement_allocation_failed();
+  }
+
+  for (int row = 0; row < contour.n_rows && row < view.n_rows; row++) {
+    for (int col = 0; col < contour.n_cols && col < view.n_cols; col++) {
+      if (!contour.marked[row][col]) continue;
+      TCView sub_view;
+      view.pixel_view(row, col, sub_view);
+      sub_view.set_resolution(sub_rows, sub_cols);
+      sub_view.anti_alias = 0;
+      // A forced object stays forced in the sub-pixels it was forced in.
+      object_contour sub_contour(sub_rows, sub_cols, spectrum, scratch, contour.min_distance, 0,
+                                 nullptr, nullptr);
+      sub_contour.forced_object = contour.forced_object;
+      image_pass(pass, active, sub_view, spectrum, scratch, contour.min_distance, &sub_contour, 1);
+      const long k = static_cast<long>(row) * view.n_cols + col;
+      for (int b = 0; b < n_bands; b++) {
+        double sum = 0.0;
+        for (long s = 0; s < n_sub; s++) sum += scratch[b][s];
+        radiance_out[b][k] = static_cast<float>(sum / n_sub);
+      }
+    }
+  }
+
+  for (int b = 0; b < n_bands; b++) delete[] scratch[b];
+  delete[] scratch;
+}
+
+// ---- Single-ray queries ----
+
+int TCObject_list::nearest_of(const int* wanted, const TCRay& ray, TCVector& hit) {
+  const TCVector origin = ray.origin();
+  int nearest = 0;
+  double nearest_distance = 0.0;
+  for (int i = 0; i < n_objects; i++) {
+    if (!wanted[i] || objects[i] == nullptr) continue;
+    if (objects[i]->point_inside_world(origin)) {
+      hit = origin;
+      return -(i + 1);
+    }
+    TCVector point;
+    double distance = 0.0;
+    if (objects[i]->ray_intersection(ray, point, distance) > 0) {
+      if (nearest == 0 || distance < nearest_distance) {
+        nearest = i + 1;
+        nearest_distance = distance;
+        hit = point;
+      }
+    }
+  }
+  return nearest;
+}
+
+int TCObject_list::nearest_except(int skip_index, const TCRay& ray, TCVector& hit) {
+  int wanted[max_objects];
+  for (int i = 0; i < max_objects; i++) wanted[i] = i != skip_index;
+  return nearest_of(wanted, ray, hit);
+}
+
+int TCObject_list::nearest_active(const int* flags, const TCRay& ray, TCVector& hit) {
+  int wanted[max_objects];
+  for (int i = 0; i < max_objects; i++) wanted[i] = i < n_objects && flags[i] != 0;
+  return nearest_of(wanted, ray, hit);
+}
+
+int TCObject_list::nearest_above_priority(int skip_index, const TCRay& ray, TCVector& hit) {
+  const int in_range = skip_index >= 0 && skip_index < n_objects && objects[skip_index] != nullptr;
+  const double floor = in_range ? objects[skip_index]->get_priority() : 0.0;
+  int wanted[max_objects];
+  for (int i = 0; i < max_objects; i++) {
+    wanted[i] =
+        i < n_objects && objects[i] != nullptr && (!in_range || objects[i]->get_priority() > floor);
+  }
+  return nearest_of(wanted, ray, hit);
+}
+
+// Strictly greater keeps the earlier of equal priorities.
+int TCObject_list::highest_of(const int* wanted, double floor, const TCVector& point) {
+  int best = -1;
+  double best_priority = floor;
+  for (int i = 0; i < n_objects; i++) {
+    if (!wanted[i] || objects[i] == nullptr) continue;
+    const double priority = objects[i]->get_priority();
+    if (priority <= best_priority) continue;
+    if (objects[i]->point_inside_world(point)) {
+      best = i;
+      best_priority = priority;
+    }
+  }
+  return best;
+}
+
+int TCObject_list::highest_inside(int skip_index, const TCVector& point) {
+  int wanted[max_objects];
+  for (int i = 0; i < max_objects; i++) wanted[i] = i != skip_index;
+  return highest_of(wanted, -1.0, point);
+}
+
+int TCObject_list::object_containing(const int* flags, const TCVector& point) {
+  double floor = -1.0;
+  int wanted[max_objects];
+  for (int i = 0; i < max_objects; i++) wanted[i] = 0;
+  for (int i = 0; i < n_objects; i++) {
+    if (objects[i] == nullptr) continue;
+    if (flags[i]) {
+      wanted[i] = 1;
+    } else if (objects[i]->get_priority() > floor) {
+      floor = objects[i]->get_priority();
+    }
+  }
+  return highest_of(wanted, floor, point);
+}
+
+int TCObject_list::highest_surface_inside(const TCVector& point) {
+  int wanted[max_objects];
+  for (int i = 0; i < max_objects; i++) {
+    wanted[i] = i < n_objects && objects[i] != nullptr && is_surface_kind(objects[i]->get_type());
+  }
+  return highest_of(wanted, -1.0, point);
+}
+
+int TCObject_list::highest_surface_inside_flagged(const int* flags, const TCVector& point) {
+  int wanted[max_objects];
+  for (int i = 0; i < max_objects; i++) {
+    wanted[i] = i < n_objects && flags[i] != 0 && objects[i] != nullptr &&
+                is_surface_kind(objects[i]->get_type());
+  }
+  return highest_of(wanted, -1.0, point);
+}
+
+int TCObject_list::find_air() const {
+  int air = -1;
+  for (int i = 0; i < n_objects; i++) {
+    if (objects[i] != nullptr && objects[i]->get_type() == TC_KIND_AIR) air = i;
+  }
+  return air;
+}
 
 int TCObject_list::find_by_name(const char* name, int& index) const {
   index = -1;
@@ -36,4 +488,33 @@ int TCObject_list::find_by_name(const char* name, int& index) const {
     if (objects[i] != nullptr && std::strcmp(name, objects[i]->get_name()) == 0) index = i;
   }
   return index >= 0 ? 1 : 0;
+}
+
+// ---- Frame data and state ----
+
+void TCObject_list::write_all_frame_data(const char* stream_name, const char* frame_text,
+                                         int with_whitecaps) {
+  (void)with_whitecaps;  // read by the ocean's whitecap dump, when there is one
+  for (int i = 0; i < n_objects; i++) {
+    if (objects[i] != nullptr) objects[i]->write_frame_data(stream_name, frame_text);
+  }
+}
+
+void TCObject_list::print_all(std::ostream& out) {
+#ifdef TC_LIST_HAS_SUN
+  if (sun != nullptr) {
+    out << "  ";
+    sun->print_state(out);
+  }
+#endif
+  for (int i = 0; i < n_objects; i++) {
+    if (objects[i] != nullptr) objects[i]->print_state(out);
+  }
+#ifdef TC_LIST_HAS_CAMERAS
+  for (int i = 0; i < n_cameras; i++) {
+    if (cameras[i] == nullptr) continue;
+    out << "Camera " << i << "\n";
+    cameras[i]->print_state(out);
+  }
+#endif
 }

@@ -46,6 +46,12 @@ class TCMatte_input {
   void clear();
   // Entries over all objects.
   int total_mattes() const;
+  // Room for at least n objects, keeping those held; 0 if memory runs out.
+  // With reserve_codes, lets a record be rebuilt entry by entry (unpacking):
+  // fill object i, set n_matte_objects to i + 1, then reserve its codes.
+  int reserve_objects(int n);
+  // Room for at least n codes in object i's list; 0 if memory runs out.
+  int reserve_codes(int i, int n);
 
   int use_mattes;
   int n_matte_objects;
@@ -65,10 +71,6 @@ class TCMatte_input {
   int alpha_objects[max_named_objects];
 
  private:
-  // Room for at least n objects, keeping those held; 0 if memory runs out.
-  int reserve_objects(int n);
-  // Room for at least n codes in object i's list; 0 if memory runs out.
-  int reserve_codes(int i, int n);
   // Applies the positional rules to a code from matte_code; 0 fails the read.
   int place_code(const char* name, int& code, int& n_textures);
 
