@@ -12,18 +12,10 @@
 #include "TCView.h"
 #include "object_contour.h"
 
-// Cameras and the sun are only declared until their runtime classes exist.
-// Until then nothing can make one, so the list's pointers to them stay null
-// and there is nothing to delete or print; once a header lands, the list
-// deletes and prints what it holds.
-#if __has_include("TCCamera.h")
-#include "TCCamera.h"
-#define TC_LIST_HAS_CAMERAS 1
-#endif
-#if __has_include("TCStar.h")
-#include "TCStar.h"
-#define TC_LIST_HAS_SUN 1
-#endif
+// Cameras and the sun are only declared while their runtime classes do not
+// exist: nothing can make one yet, so their pointers stay null and there is
+// nothing of them to delete or print. Deleting and printing them comes with
+// those classes.
 
 namespace {
 
@@ -76,15 +68,9 @@ void TCObject_list::destroy() {
   }
   n_objects = 0;
   for (int i = 0; i < max_objects; i++) {
-#ifdef TC_LIST_HAS_CAMERAS
-    delete cameras[i];
-#endif
     cameras[i] = nullptr;
   }
   n_cameras = 0;
-#ifdef TC_LIST_HAS_SUN
-  delete sun;
-#endif
   sun = nullptr;
   delete[] objects_spectrum;
   objects_spectrum = nullptr;
@@ -501,20 +487,7 @@ void TCObject_list::write_all_frame_data(const char* stream_name, const char* fr
 }
 
 void TCObject_list::print_all(std::ostream& out) {
-#ifdef TC_LIST_HAS_SUN
-  if (sun != nullptr) {
-    out << "  ";
-    sun->print_state(out);
-  }
-#endif
   for (int i = 0; i < n_objects; i++) {
     if (objects[i] != nullptr) objects[i]->print_state(out);
   }
-#ifdef TC_LIST_HAS_CAMERAS
-  for (int i = 0; i < n_cameras; i++) {
-    if (cameras[i] == nullptr) continue;
-    out << "Camera " << i << "\n";
-    cameras[i]->print_state(out);
-  }
-#endif
 }
