@@ -140,12 +140,17 @@ void TCObject_list::image_scene(int* active, TCView& view, TCSpectrum* spectrum,
   image_pass(main_pass, active, view, spectrum, radiance_out, min_distance, contour, keep_flag);
 }
 
+// A surface that sees the scene sees everything but itself.
+void TCObject_list::all_but_source(int source_object, int* flags) {
+  for (int i = 0; i < max_objects; i++) flags[i] = 1;
+  if (source_object >= 0 && source_object < max_objects) flags[source_object] = 0;
+}
+
 void TCObject_list::image_scene_for_source(int source_object, TCView& view, TCSpectrum* spectrum,
                                            float** radiance_out, double min_distance,
                                            object_contour* contour) {
   int flags[max_objects];
-  for (int i = 0; i < max_objects; i++) flags[i] = 1;
-  if (source_object >= 0 && source_object < max_objects) flags[source_object] = 0;
+  all_but_source(source_object, flags);
   image_pass(main_pass, flags, view, spectrum, radiance_out, min_distance, contour, 1);
 }
 
@@ -165,8 +170,7 @@ void TCObject_list::image_scene_secondary_for_source(int source_object, TCView& 
                                                      TCSpectrum* spectrum, float** radiance_out,
                                                      double min_distance, object_contour* contour) {
   int flags[max_objects];
-  for (int i = 0; i < max_objects; i++) flags[i] = 1;
-  if (source_object >= 0 && source_object < max_objects) flags[source_object] = 0;
+  all_but_source(source_object, flags);
   image_pass(secondary_pass, flags, view, spectrum, radiance_out, min_distance, contour, 1);
 }
 
@@ -186,8 +190,7 @@ void TCObject_list::image_surface_line_for_source(int source_object, TCView& vie
                                                   TCSpectrum* spectrum, float** radiance_out,
                                                   double min_distance, object_contour* contour) {
   int flags[max_objects];
-  for (int i = 0; i < max_objects; i++) flags[i] = 1;
-  if (source_object >= 0 && source_object < max_objects) flags[source_object] = 0;
+  all_but_source(source_object, flags);
   image_pass(surface_line_pass, flags, view, spectrum, radiance_out, min_distance, contour, 1);
 }
 

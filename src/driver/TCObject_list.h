@@ -156,6 +156,7 @@ class TCObject_list {
   // objects it walks.
   enum Pass { main_pass, secondary_pass, surface_line_pass };
 
+  static void all_but_source(int source_object, int* flags);
   void image_pass(Pass pass, int* active, TCView& view, TCSpectrum* spectrum, float** radiance_out,
                   double min_distance, object_contour* contour, int keep_flag);
   void paint(Pass pass, int index, TCView& view, object_contour& contour);

@@ -664,21 +664,7 @@ int TCCamera_input::unpack(const int* ints, int int_bytes, const double* doubles
 
 int TCCamera_input::unpack_camera_part(const int* ints, int int_bytes, const double* doubles,
                                        int double_bytes, const char* chars, int char_bytes) {
-  if (chars == nullptr) {
-    std::cout << "char variable pointer not allocated "
-              << "\n";
-    return 0;
-  }
-  if (ints == nullptr) {
-    std::cout << "integer variable pointer not allocated "
-              << "\n";
-    return 0;
-  }
-  if (doubles == nullptr) {
-    std::cout << "double variable pointer not allocated "
-              << "\n";
-    return 0;
-  }
+  if (!packed_arrays_present(ints, doubles, chars)) return 0;
   int n_ints = 0, n_doubles = 0, n_chars = 0;
   packing_sizes(n_ints, n_doubles, n_chars);
   int base_ints = 0, base_doubles = 0, base_chars = 0;

@@ -164,8 +164,8 @@ int TCObject_input::pack(int*& ints, int& int_bytes, double*& doubles, int& doub
   return 1;
 }
 
-int TCObject_input::unpack(const int* ints, int int_bytes, const double* doubles, int double_bytes,
-                           const char* chars, int char_bytes) {
+int TCObject_input::packed_arrays_present(const int* ints, const double* doubles,
+                                          const char* chars) {
   if (chars == nullptr) {
     std::cout << "char variable pointer not allocated "
               << "\n";
@@ -181,6 +181,12 @@ int TCObject_input::unpack(const int* ints, int int_bytes, const double* doubles
               << "\n";
     return 0;
   }
+  return 1;
+}
+
+int TCObject_input::unpack(const int* ints, int int_bytes, const double* doubles, int double_bytes,
+                           const char* chars, int char_bytes) {
+  if (!packed_arrays_present(ints, doubles, chars)) return 0;
 
   // Sizes as this build's whole class counts them, not just the root's part.
   int n_ints = 0, n_doubles = 0, n_chars = 0;

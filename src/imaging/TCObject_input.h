@@ -55,6 +55,11 @@ class TCObject_input {
   int version;
   char object_file[256];
 
+ protected:
+  // The receiving side's first check, shared by every class that unpacks:
+  // 0, with the word for the first missing array, when one is null.
+  static int packed_arrays_present(const int* ints, const double* doubles, const char* chars);
+
  private:
   TCObject_input(const TCObject_input&);
   TCObject_input& operator=(const TCObject_input&);

@@ -5,24 +5,14 @@
 #include <string>
 
 #include "TCData_file.h"
+#include "stream_capture.h"
 
 namespace {
 
 // Collects what is written to standard output for as long as it lives.
-class Cout_capture {
- public:
-  Cout_capture() : old_(std::cout.rdbuf(buffer_.rdbuf())) {}
-  ~Cout_capture() { std::cout.rdbuf(old_); }
-  std::string text() const { return buffer_.str(); }
-
- private:
-  std::ostringstream buffer_;
-  std::streambuf* old_;
-};
-
 int header_of(const std::string& text, const char* type, int max_version, std::string& printed) {
   std::istringstream in(text);
-  Cout_capture capture;
+  Stream_capture capture(std::cout);
   const int version = check_header(in, type, max_version);
   printed = capture.text();
   return version;
@@ -138,7 +128,7 @@ TEST(Header, NonNumericFileVersionGivesZeroSilently) {
 
 TEST(Header, NonNumericOldestReaderLeavesTheFileVersionAndAFailedStream) {
   std::istringstream in("Tidecast_data_file scene 2 two");
-  Cout_capture capture;
+  Stream_capture capture(std::cout);
   EXPECT_EQ(check_header(in, "scene", 2), 2);
   EXPECT_TRUE(in.fail());
   EXPECT_EQ(capture.text(), "");
@@ -185,7 +175,7 @@ TEST(YesNo, NoAndEverythingElseAreNo) {
 }
 
 TEST(YesNo, SingleLetterIsNoWithoutComplaint) {
-  Cout_capture capture;
+  Stream_capture capture(std::cout);
   EXPECT_EQ(parse_yes_no("y"), 0);
   EXPECT_EQ(capture.text(), "");
 }
@@ -201,21 +191,21 @@ TEST(YesNo, WriterSpellsFlagsInLowerCase) {
 
 TEST(EndMarker, EndIsAcceptedSilently) {
   std::istringstream in("  end\n");
-  Cout_capture capture;
+  Stream_capture capture(std::cout);
   EXPECT_EQ(check_end(in, "camera file not terminated"), 1);
   EXPECT_EQ(capture.text(), "");
 }
 
 TEST(EndMarker, OtherTokenPrintsTheMessageAndWhatWasRead) {
   std::istringstream in("finish");
-  Cout_capture capture;
+  Stream_capture capture(std::cout);
   EXPECT_EQ(check_end(in, "camera file not terminated"), 0);
   EXPECT_EQ(capture.text(), "camera file not terminated\nread finishinstead of end\n");
 }
 
 TEST(EndMarker, EndIsComparedExactly) {
   std::istringstream in("END end. ending");
-  Cout_capture capture;
+  Stream_capture capture(std::cout);
   EXPECT_EQ(check_end(in, "m"), 0);
   EXPECT_EQ(check_end(in, "m"), 0);
   EXPECT_EQ(check_end(in, "m"), 0);
@@ -227,7 +217,7 @@ TEST(EndMarker, EndIsComparedExactly) {
 
 TEST(EndMarker, ExhaustedStreamFailsWithAnEmptyToken) {
   std::istringstream in("   ");
-  Cout_capture capture;
+  Stream_capture capture(std::cout);
   EXPECT_EQ(check_end(in, "box file not terminated"), 0);
   EXPECT_EQ(capture.text(), "box file not terminated\nread instead of end\n");
 }

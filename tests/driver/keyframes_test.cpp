@@ -12,21 +12,11 @@
 
 #include "TCData_file.h"
 #include "TCKeyframes.h"
+#include "stream_capture.h"
 
 namespace {
 
 // Collects what is written to standard output for as long as it lives.
-class Cout_capture {
- public:
-  Cout_capture() : old_(std::cout.rdbuf(buffer_.rdbuf())) {}
-  ~Cout_capture() { std::cout.rdbuf(old_); }
-  std::string text() const { return buffer_.str(); }
-
- private:
-  std::ostringstream buffer_;
-  std::streambuf* old_;
-};
-
 void set_key(TCKeyframes& track, int i, double t, double x, double y, double z, double chi,
              double phi, double theta) {
   track.times[i] = t;
@@ -334,7 +324,7 @@ TEST(KeyframeFile, SectionIsReadWithAnglesInRadians) {
   EXPECT_EQ(track.chi[1], -1.57079632675);
   EXPECT_EQ(track.phi[1], 0.0);
   EXPECT_EQ(track.theta[1], 6.265732014480555);
-  Cout_capture capture;
+  Stream_capture capture(std::cout);
   EXPECT_EQ(check_end(in, "track not terminated"), 1);
   EXPECT_EQ(capture.text(), "");
 }
@@ -472,7 +462,7 @@ TEST(KeyframeFile, HugeCountThenEndFailsTheEndCheck) {
   TCKeyframes track;
   track.read(in);
   EXPECT_EQ(track.number_of_times, 1);
-  Cout_capture capture;
+  Stream_capture capture(std::cout);
   EXPECT_EQ(check_end(in, "object line not terminated"), 0);
   EXPECT_EQ(capture.text(), "object line not terminated\nread instead of end\n");
 }
@@ -506,7 +496,7 @@ TEST(KeyframeFile, MoreKeysClaimedThanGivenKeepsThoseRead) {
   EXPECT_EQ(track.read(in), 1);
   EXPECT_EQ(track.number_of_times, 2);
   EXPECT_EQ(track.positions[1].y, 2.0);
-  Cout_capture capture;
+  Stream_capture capture(std::cout);
   EXPECT_EQ(check_end(in, "m"), 0);
 }
 

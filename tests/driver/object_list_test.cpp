@@ -3,13 +3,13 @@
 #include <sstream>
 #include <string>
 
-#include "../imaging/stream_capture.h"
 #include "TCBand.h"
 #include "TCObject_kinds.h"
 #include "TCObject_list.h"
 #include "TCRay.h"
 #include "TCVector.h"
 #include "object_list_test_objects.h"
+#include "stream_capture.h"
 
 namespace {
 

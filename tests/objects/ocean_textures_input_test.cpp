@@ -4,8 +4,8 @@
 #include <sstream>
 #include <string>
 
-#include "../imaging/stream_capture.h"
 #include "TCOcean_textures_input.h"
+#include "stream_capture.h"
 
 namespace {
 

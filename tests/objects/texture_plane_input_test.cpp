@@ -3,9 +3,9 @@
 #include <sstream>
 #include <string>
 
-#include "../imaging/stream_capture.h"
 #include "TCConstants.h"
 #include "TCTexture_plane_input.h"
+#include "stream_capture.h"
 
 namespace {
 

@@ -5,11 +5,11 @@
 #include <string>
 #include <vector>
 
-#include "../imaging/stream_capture.h"
 #include "TCData_file.h"
 #include "TCSettings.h"
 #include "TCTexture_plane.h"
 #include "TCTexture_plane_input.h"
+#include "stream_capture.h"
 #include "texture_test_pictures.h"
 
 // Expected lookups come from texture_reference.py (numpy), or are worked out
