@@ -4,8 +4,10 @@
 #include <ctime>
 #include <fstream>
 
+#include "TCCamera_input.h"
 #include "TCCommand_line.h"
 #include "TCError.h"
+#include "TCScene.h"
 #include "TCScene_input.h"
 #include "TCSettings.h"
 
@@ -107,6 +109,22 @@ void run_scene_file(const char* name, const TCCommand_line& command, int traced)
     print_command_line_trace(std::cout, "COMMAND LINEB: ", command.frames_given, input.first_frame,
                              input.last_frame, input.increment);
   }
+
+  // The command line's slices override every camera file alike.
+  if (command.slices_given) {
+    TCObject_list_input& list = input.object_list;
+    for (int i = 0; i < list.n_cameras; i++) {
+      if (command.slice_list_given) {
+        list.cameras[i]->set_slices_to_image(command.n_slices, command.slice_flags);
+      } else {
+        list.cameras[i]->set_all_slices(command.n_slices);
+      }
+    }
+  }
+
+  TCScene* scene = new TCScene(input);
+  scene->run();
+  delete scene;
 }
 
 int engine_main(int argc, char** argv) {

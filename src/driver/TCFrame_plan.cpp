@@ -103,7 +103,9 @@ int make_output_name(const char* format, const char* base, const char* camera_na
         append_cut(out, camera_name);
         break;
       case 't':
-        append_cut(out, file_type);
+        // The extension without its dot: the format's own "-." item puts the
+        // dot, so the default format gives "run0007.img" and not "..img".
+        append_cut(out, file_type[0] == '.' ? file_type + 1 : file_type);
         break;
       case 'f':
         if (after_frame) std::fputs("You have 2 frame numbers in your output field!\n", stderr);

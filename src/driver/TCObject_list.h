@@ -7,6 +7,7 @@
 
 class TCCamera;
 class TCObject;
+class TCObject_list_input;
 class TCRay;
 class TCSpectrum;
 class TCStar;
@@ -33,6 +34,13 @@ class TCObject_list {
   // band copy, and leaves the list empty. Slots the caller filled by hand
   // rather than through add_runtime_object are emptied but not deleted.
   void destroy();
+
+  // The runtime list from the file form: bands, the sun (a default one when
+  // the scene has none), the objects by kind in file order, then the cameras.
+  // needs_updates becomes 1 when anything moves or evolves by itself. Returns
+  // 0 after a message for what a scene cannot run with; exits when memory
+  // runs out.
+  int build(TCObject_list_input& input, int& needs_updates);
 
   // Adopts a runtime object at the end of the list: the list owns it from
   // here, and sets its object_id (its index) and its list pointer. 0 with

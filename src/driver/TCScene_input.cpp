@@ -1,8 +1,30 @@
 #include "TCScene_input.h"
 
 #include <cstring>
+#include <fstream>
+#include <new>
 
 #include "TCData_file.h"
+#include "TCError.h"
+
+namespace {
+
+// Rows the frame table starts with before it grows by doubling.
+const int first_table_rows = 16;
+
+int* grown_ints(const int* old, int used, int capacity) {
+  int* grown = new (std::nothrow) int[capacity];
+  if (grown != nullptr && used > 0) std::memcpy(grown, old, sizeof(int) * used);
+  return grown;
+}
+
+double* grown_doubles(const double* old, int used, int capacity) {
+  double* grown = new (std::nothrow) double[capacity];
+  if (grown != nullptr && used > 0) std::memcpy(grown, old, sizeof(double) * used);
+  return grown;
+}
+
+}  // namespace
 
 TCScene_input::TCScene_input()
     : version(2),
@@ -24,6 +46,53 @@ TCScene_input::~TCScene_input() {
   delete[] times_of_day;
 }
 
+int TCScene_input::read_frame_table(std::istream& in) {
+  delete[] frame_numbers;
+  delete[] times;
+  delete[] times_of_day;
+  frame_numbers = nullptr;
+  times = nullptr;
+  times_of_day = nullptr;
+
+  const int wanted = number_of_frames;
+  int capacity = 0;
+  int rows = 0;
+  int ok = 1;
+  while (rows < wanted) {
+    if (rows == capacity) {
+      const int next = capacity == 0 ? (wanted < first_table_rows ? wanted : first_table_rows)
+                                     : (capacity > wanted / 2 ? wanted : capacity * 2);
+      int* f = grown_ints(frame_numbers, rows, next);
+      double* t = grown_doubles(times, rows, next);
+      double* d = grown_doubles(times_of_day, rows, next);
+      delete[] frame_numbers;
+      delete[] times;
+      delete[] times_of_day;
+      frame_numbers = f;
+      times = t;
+      times_of_day = d;
+      if (f == nullptr || t == nullptr || d == nullptr) {
+        report_error_exit("TCScene_input::read_scene", "unable to allocate frame table ");
+      }
+      capacity = next;
+    }
+    int frame = 0;
+    double t = 0.0;
+    double tod = 0.0;
+    if (!read_int(in, frame) || !read_double(in, t) || (tod_flag && !read_double(in, tod))) {
+      ok = 0;
+      break;
+    }
+    frame_numbers[rows] = frame;
+    times[rows] = t;
+    times_of_day[rows] = tod_flag ? tod : t;
+    rows++;
+  }
+  // The arrays always hold number_of_frames rows, also after a cut-short table.
+  number_of_frames = rows;
+  return ok;
+}
+
 int TCScene_input::read_scene(std::istream& in) {
   const int file_version = check_header(in, "scene", 2);
   if (file_version == 0) {
@@ -32,11 +101,31 @@ int TCScene_input::read_scene(std::istream& in) {
     return 0;
   }
   version = file_version;
-  // The body (output names, object list, frame table) is not read by this
-  // build yet: refuse the scene rather than render something half-read.
-  std::cout << "scene contents can't be read by this build of TCEngine"
-            << "\n";
-  return 0;
+
+  skip_token(in);
+  read_token(in, output_file, sizeof(output_file));
+  if (version >= 2) {
+    skip_token(in);
+    read_token(in, output_format, sizeof(output_format));
+  }
+
+  object_list.version = version;
+  if (!object_list.read_list(in)) return 0;
+
+  skip_token(in);
+  if (!read_int(in, number_of_frames) || number_of_frames < 1) {
+    std::cout << "number of keyframes must be positive "
+              << "\n";
+    return 0;
+  }
+  skip_token(in);
+  read_int(in, tod_flag);
+  // Two heading words, whatever tod_flag says: a hand-written file with a
+  // time-of-day column still has a two-word heading.
+  skip_token(in);
+  skip_token(in);
+  read_frame_table(in);
+  return check_end(in, "error reading scene stream ");
 }
 
 void normalise_frame_range(int& first, int& last, int& step) {
@@ -66,4 +155,68 @@ void TCScene_input::set_frame_range(int first, int last, int step) {
   first_frame = first;
   last_frame = last;
   increment = step;
+}
+
+int TCScene_input::write_scene(std::ostream& out) const {
+  set_file_precision(out);
+  write_header(out, "scene", version);
+  out << "output_file: " << output_file << "\n";
+  if (version > 1) out << "output_format: " << output_format << "\n";
+  if (!object_list.write_list(out)) return 0;
+  out << "number_of_frames: " << number_of_frames << "\n";
+  out << "tod_flag:         " << tod_flag << "\n";
+  out << "frame_number "
+      << "  time ";
+  if (tod_flag) out << " time_of_day ";
+  out << "\n";
+  for (int i = 0; i < number_of_frames; i++) {
+    out << frame_numbers[i] << " " << times[i];
+    if (tod_flag) out << " " << times_of_day[i];
+    out << "\n";
+  }
+  out << "end "
+      << "\n";
+  out << "first_frame: " << first_frame << "\n";
+  out << "last_frame: " << last_frame << "\n";
+  out << "increment:  " << increment << "\n";
+  return out ? 1 : 0;
+}
+
+int TCScene_input::write_scene_file(const char* path) const {
+  std::ofstream out(path);
+  if (!out) {
+    std::cout << "unable to open scene input file "
+              << "\n";
+    return 0;
+  }
+  if (!write_scene(out)) {
+    std::cout << "unable to write scene output stream "
+              << "\n";
+    return 0;
+  }
+  if (!object_list.write_files()) {
+    std::cout << "unable to write out objects files "
+              << "\n";
+    return 0;
+  }
+  return 1;
+}
+
+int TCScene_input::read_scene_file(const char* path) {
+  std::ifstream in(path);
+  if (!in) {
+    report_error("TCScene_input::read_scene_file", "Can't open scene file: ", path);
+    return 0;
+  }
+  if (!read_scene(in)) {
+    std::cout << "unable to process scene input file "
+              << "\n";
+    return 0;
+  }
+  if (!read_frame_range(in)) {
+    std::cout << "unable to process scene input frames "
+              << "\n";
+    return 0;
+  }
+  return 1;
 }

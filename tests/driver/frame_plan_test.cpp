@@ -146,16 +146,16 @@ TEST(FramePlanText, NegativeFrameKeepsItsSignInTheFourCharacters) {
 
 // ---- output names ----
 
-TEST(FramePlanName, DefaultFormatPutsItsOwnDotBeforeTheType) {
-  // "-." gives a dot and "-t" then adds ".img", so the suffix has two dots.
+TEST(FramePlanName, DefaultFormatGivesOneDotBeforeTheType) {
+  // "-." gives the dot and "-t" the extension without its own dot.
   Named n = named("-b-C-c-f-.-t-");
   EXPECT_EQ(n.result, 1);
   EXPECT_EQ(n.prefix, "runc2cam");
-  EXPECT_EQ(n.suffix, "..img");
+  EXPECT_EQ(n.suffix, ".img");
   EXPECT_EQ(n.errors, "");
   char text[5];
   frame_text(7, text);
-  EXPECT_EQ(n.prefix + text + n.suffix, "runc2cam0007..img");
+  EXPECT_EQ(n.prefix + text + n.suffix, "runc2cam0007.img");
 }
 
 TEST(FramePlanName, DefaultFormatWithBareTypeGivesOneDot) {
@@ -168,7 +168,7 @@ TEST(FramePlanName, EveryItemEmitsItsText) {
   Named n = named("-b-_-C---c-f-t-.-_-");
   EXPECT_EQ(n.result, 1);
   EXPECT_EQ(n.prefix, "run_c2-cam");
-  EXPECT_EQ(n.suffix, ".img._");
+  EXPECT_EQ(n.suffix, "img._");
   EXPECT_EQ(n.errors, "");
 }
 
@@ -176,7 +176,7 @@ TEST(FramePlanName, SecondFrameItemOnlyComplains) {
   Named n = named("-b-f-t-f-");
   EXPECT_EQ(n.result, 1);
   EXPECT_EQ(n.prefix, "run");
-  EXPECT_EQ(n.suffix, ".img");
+  EXPECT_EQ(n.suffix, "img");
   EXPECT_EQ(n.errors, "You have 2 frame numbers in your output field!\n");
 }
 
@@ -243,7 +243,7 @@ TEST(FramePlanName, EmptyFormatFallsBack) {
 TEST(FramePlanName, MissingFrameItemWarnsButIsNoError) {
   Named n = named("-b-t-");
   EXPECT_EQ(n.result, 1);
-  EXPECT_EQ(n.prefix, "run.img");
+  EXPECT_EQ(n.prefix, "runimg");
   EXPECT_EQ(n.suffix, "");
   EXPECT_EQ(n.errors,
             "WARNING! You're output file format string has NO frame number.\n"

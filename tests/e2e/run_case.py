@@ -7,6 +7,9 @@ A case is a folder holding:
   status          the expected exit status
   files/          optional: copied into the empty working folder before the run
   expected_files/ optional: each must exist afterwards with exactly these bytes
+  check.py        optional: run with python3 in the working folder after the run;
+                  it checks the written files (names, sizes, planes, values) and
+                  exits non-zero with a message when something is wrong
   memory_limit    optional: address-space limit in MiB for the run
                   (such cases are skipped in sanitizer builds, whose shadow
                   memory needs the whole address space)
@@ -89,6 +92,12 @@ def main():
                     elif got != read(os.path.join(root, n)):
                         show_difference(f"file {rel}", read(os.path.join(root, n)), got)
                         failures += 1
+        checker = os.path.join(case, "check.py")
+        if os.path.exists(checker):
+            checked = subprocess.run([sys.executable, os.path.abspath(checker)], cwd=work)
+            if checked.returncode != 0:
+                print(f"--- check.py failed ({checked.returncode})")
+                failures += 1
     return 1 if failures else 0
 
 
