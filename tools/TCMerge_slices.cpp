@@ -17,7 +17,8 @@
 #include "TCSettings.h"
 
 static void print_tool_usage() {
-  std::cerr << "usage: TCMerge_slices [-f first] [-l last] [-i increment] -S slices scene_file ...\n";
+  std::cerr
+      << "usage: TCMerge_slices [-f first] [-l last] [-i increment] -S slices scene_file ...\n";
 }
 
 static int merge_scene(const char* name, const TCCommand_line& command) {

@@ -134,7 +134,8 @@ int TCScene::run() {
       camera->set_time(t);
       char prefix[256], text[5], suffix[256];
       output_name(c, frame, prefix, text, suffix);
-      for (int i = 0; i < object_list.n_objects; i++) object_list.objects[i]->prepare_camera(camera);
+      for (int i = 0; i < object_list.n_objects; i++)
+        object_list.objects[i]->prepare_camera(camera);
       camera->image(prefix, text, suffix);
     }
     if (verbose) {

@@ -1,10 +1,10 @@
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <cstdio>
 #include <cstdlib>
 #include <sstream>
 #include <string>
-#include <unistd.h>
 
 #include "TCKeyframes.h"
 #include "TCObject.h"
@@ -43,12 +43,12 @@ class Scene_test : public ::testing::Test {
 
   // A scene with no objects and no cameras over the given frame table.
   int read(TCScene_input& input, const std::string& table, const std::string& base = "") {
-    const std::string text = "Tidecast_data_file scene 2 2\noutput_file: " +
-                             (base.empty() ? work + "/run" : base) +
-                             "\noutput_format: -b-C-c-f-.-t-\n"
-                             "number_of_bands: 1\nwidth center_wavelength band_id\n1 0.5 0.1\n"
-                             "sun_flag: 0\nnumber_of_objects: 0\nnumber_of_cameras: 0\n" +
-                             table;
+    const std::string text =
+        "Tidecast_data_file scene 2 2\noutput_file: " + (base.empty() ? work + "/run" : base) +
+        "\noutput_format: -b-C-c-f-.-t-\n"
+        "number_of_bands: 1\nwidth center_wavelength band_id\n1 0.5 0.1\n"
+        "sun_flag: 0\nnumber_of_objects: 0\nnumber_of_cameras: 0\n" +
+        table;
     std::istringstream in(text);
     Stream_capture quiet(std::cout);
     return input.read_scene(in);
@@ -141,8 +141,9 @@ TEST_F(Scene_test, IncrementFourWalksOneFiveNine) {
 
 TEST_F(Scene_test, TimeOfDayIsPrintedAndForcesUpdates) {
   TCScene_input input;
-  ASSERT_EQ(read(input, "number_of_frames: 2\ntod_flag: 1\nframe_number time\n"
-                        "0 0.0 6.0\n10 1.0 7.0\nend\n"),
+  ASSERT_EQ(read(input,
+                 "number_of_frames: 2\ntod_flag: 1\nframe_number time\n"
+                 "0 0.0 6.0\n10 1.0 7.0\nend\n"),
             1);
   input.set_frame_range(5, 5, 1);
   TCScene scene(input);

@@ -1,0 +1,11 @@
+import os
+import sys
+
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", ".."))
+from e2e_files import Checker, sgi_header  # noqa: E402
+
+c = Checker()
+c.all_equal("runc1cam0002.img", c.planes("runc1cam0002.img", 1, 4, 6), 0.0)
+c.all_equal("runc1cam0003.img", c.planes("runc1cam0003.img", 1, 4, 6), 0.0)
+c.expect(not os.path.exists("runc1cam0001.img"), "frame 1 rendered")
+c.done()
