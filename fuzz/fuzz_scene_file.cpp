@@ -50,11 +50,12 @@ extern "C" int LLVMFuzzerInitialize(int*, char***) {
   if (made == nullptr || chdir(made) != 0) std::abort();
   folder = made;
   std::atexit(remove_folder);
-  std::ofstream("cam") << "Tidecast_data_file camera 3 3\n"
-                          "n_pixel_azimuth 8 n_pixel_elevation 6 fov_azimuth 20 fov_elevation 15\n"
-                          "image_method 1 picture_fraction_flag 0 n_sub_azimuth 1 n_sub_elevation 1\n"
-                          "number_of_bands 1 band_id 1 anti_alias 0 efficiency_matte 0\n"
-                          "image_slices 1 image_format img end use_mattes: 0\n";
+  std::ofstream("cam")
+      << "Tidecast_data_file camera 3 3\n"
+         "n_pixel_azimuth 8 n_pixel_elevation 6 fov_azimuth 20 fov_elevation 15\n"
+         "image_method 1 picture_fraction_flag 0 n_sub_azimuth 1 n_sub_elevation 1\n"
+         "number_of_bands 1 band_id 1 anti_alias 0 efficiency_matte 0\n"
+         "image_slices 1 image_format img end use_mattes: 0\n";
   return 0;
 }
 
