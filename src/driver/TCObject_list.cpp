@@ -50,7 +50,12 @@ void refinement_allocation_failed() {
 }  // namespace
 
 TCObject_list::TCObject_list()
-    : n_objects(0), n_cameras(0), sun(nullptr), number_of_bands(0), objects_spectrum(nullptr) {
+    : n_objects(0),
+      n_cameras(0),
+      sun(nullptr),
+      number_of_bands(0),
+      objects_spectrum(nullptr),
+      current_frame(1) {
   for (int i = 0; i < max_objects; i++) {
     objects[i] = nullptr;
     cameras[i] = nullptr;

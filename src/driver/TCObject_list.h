@@ -158,6 +158,9 @@ class TCObject_list {
   TCStar* sun;
   int number_of_bands;
   TCBand* objects_spectrum;
+  // The scene's frame being rendered, set before the objects' set_time, for
+  // kinds that load one file per frame.
+  int current_frame;
 
  private:
   // Which pass a dispatch runs: the object operation it calls and which

@@ -85,6 +85,7 @@ double TCScene::start_frame(int frame, int first_of_walk) {
   const double tod = tod_flag ? time_of_day_for_frame(frame) : t;
   time_of_day = tod;
   current_frame = frame;
+  object_list.current_frame = frame;
 
   std::cout << "frame= " << frame << ", time=  " << t;
   if (tod_flag) std::cout << "time of day= " << tod;

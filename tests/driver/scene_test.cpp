@@ -114,6 +114,7 @@ TEST_F(Scene_test, ReversedRangeWithNegativeIncrementRunsBackwards) {
             "frame= 5, time=  -0.5\nWriting frame 0005\n"
             "frame= 3, time=  -0.7\nWriting frame 0003\n");
   EXPECT_EQ(scene.current_frame, 3);
+  EXPECT_EQ(scene.object_list.current_frame, 3);
 }
 
 TEST_F(Scene_test, RangeAgainstANegativeIncrementCollapsesToTheFirstFrame) {
