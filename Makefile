@@ -6,11 +6,14 @@ BUILD ?= build
 SAN_BUILD ?= build-sanitize
 FUZZ_BUILD ?= build-fuzz
 FUZZ_SECONDS ?= 60
+EXAMPLE ?= lanterns_at_dusk
 
 .PHONY: demo check deps build build-sanitize test test-sanitize fuzz fuzz-build fuzz-smoke format format-check
 
-demo: build
-	./scripts/demo $(BUILD)/TCEngine
+# Builds only the engine and the viewer, renders examples/$(EXAMPLE) into
+# out/$(EXAMPLE)/ and writes PNG previews there.
+demo: deps
+	JOBS=$(JOBS) ./scripts/demo $(BUILD) $(EXAMPLE)
 
 check: deps
 	$(MAKE) test

@@ -4,6 +4,11 @@
 #include <cstring>
 #include <new>
 
+#include "Bobbing_box_input.h"
+#include "Picture_input.h"
+#include "Skydome_input.h"
+#include "Solid_box_input.h"
+#include "TCBobbing_box.h"
 #include "TCCamera.h"
 #include "TCCamera_input.h"
 #include "TCError.h"
@@ -11,12 +16,17 @@
 #include "TCObject_input.h"
 #include "TCObject_kinds.h"
 #include "TCObject_list_input.h"
+#include "TCPicture.h"
 #include "TCRay.h"
+#include "TCSkydome.h"
+#include "TCSolid_Box.h"
 #include "TCSpectrum.h"
 #include "TCStar.h"
 #include "TCStar_input.h"
+#include "TCThermal_Box.h"
 #include "TCVector.h"
 #include "TCView.h"
+#include "Thermal_box_input.h"
 #include "object_contour.h"
 
 namespace {
@@ -515,10 +525,24 @@ void TCObject_list::print_all(std::ostream& out) {
 // The runtime object for a record, by kind; null for a kind this build has no
 // runtime class for (the caller reports it). Kinds arrive here with their
 // classes.
-static TCObject* make_runtime_object(TCObject_input& record, TCObject_list* list) {
-  (void)list;
+// The record's class follows from its code: the list input makes each record
+// by the same table. known is 0 for a kind this build has no runtime class
+// for; with known 1, null means the allocation failed.
+static TCObject* make_runtime_object(TCObject_input& record, int& known) {
+  known = 1;
   switch (record.type_code) {
+    case TC_KIND_SOLID_BOX:
+      return new (std::nothrow) TCSolid_Box(static_cast<const Solid_box_input&>(record));
+    case TC_KIND_THERMAL_BOX:
+      return new (std::nothrow) TCThermal_Box(static_cast<const Thermal_box_input&>(record));
+    case TC_KIND_BOBBING_BOX:
+      return new (std::nothrow) TCBobbing_box(static_cast<const Bobbing_box_input&>(record));
+    case TC_KIND_SKYDOME:
+      return new (std::nothrow) TCSkydome(static_cast<const Skydome_input&>(record));
+    case TC_KIND_PICTURE:
+      return new (std::nothrow) TCPicture(static_cast<const Picture_input&>(record));
     default:
+      known = 0;
       return nullptr;
   }
 }
@@ -567,15 +591,19 @@ int TCObject_list::build(TCObject_list_input& input, int& needs_updates) {
                 << "\n";
       return 0;
     }
-    TCObject* object = make_runtime_object(*record, this);
-    if (object == nullptr) {
+    int known = 0;
+    TCObject* object = make_runtime_object(*record, known);
+    if (!known) {
       // A kind the files know whose runtime class this build does not have.
       std::cout << "CODING TCError: valid object type " << record->type_code
                 << " not defined in program"
                 << "\n";
       return 0;
     }
-    if (!add_runtime_object(object)) {
+    if (object == nullptr) {
+      std::cout << "unable to allocate object " << i + 1 << "\n";
+    }
+    if (object == nullptr || !add_runtime_object(object)) {
       std::cout << "unable to add object " << i << " to object list "
                 << "\n";
       std::exit(1);

@@ -3,11 +3,16 @@
 #include <cstdlib>
 #include <new>
 
+#include "Bobbing_box_input.h"
+#include "Picture_input.h"
+#include "Skydome_input.h"
+#include "Solid_box_input.h"
 #include "TCCamera_input.h"
 #include "TCData_file.h"
 #include "TCObject_input.h"
 #include "TCObject_kinds.h"
 #include "TCStar_input.h"
+#include "Thermal_box_input.h"
 
 namespace {
 
@@ -95,10 +100,24 @@ TCObject_input* TCObject_list_input::new_object_record(int type_code, Record_sta
     case TC_KIND_SPRAY_LITE:
       record = new (std::nothrow) TCObject_input;
       break;
+    case TC_KIND_SOLID_BOX:
+      record = new (std::nothrow) Solid_box_input;
+      break;
+    case TC_KIND_THERMAL_BOX:
+      record = new (std::nothrow) Thermal_box_input;
+      break;
+    case TC_KIND_BOBBING_BOX:
+      record = new (std::nothrow) Bobbing_box_input;
+      break;
+    case TC_KIND_SKYDOME:
+      record = new (std::nothrow) Skydome_input;
+      break;
+    case TC_KIND_PICTURE:
+      record = new (std::nothrow) Picture_input;
+      break;
 
       // Kinds with records of their own come here as their classes are added:
-      // cloud 1, land 2, solid box 4, air 7, spray 8, thermal box 9, blob 10,
-      // skydome 11, ocean 13, bobbing box 14, picture 16, poly 19. Caustic 15
+      // cloud 1, land 2, air 7, spray 8, blob 10, ocean 13, poly 19. Caustic 15
       // and code 12 never get one.
 
     default:
