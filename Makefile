@@ -5,10 +5,11 @@ JOBS ?= 2
 BUILD ?= build
 SAN_BUILD ?= build-sanitize
 FUZZ_BUILD ?= build-fuzz
+BENCH_BUILD ?= build-bench
 FUZZ_SECONDS ?= 60
 EXAMPLE ?= lanterns_at_dusk
 
-.PHONY: demo check deps build build-sanitize test test-sanitize fuzz fuzz-build fuzz-smoke format format-check
+.PHONY: demo check deps build build-sanitize test test-sanitize fuzz fuzz-build fuzz-smoke format format-check bench
 
 # Builds only the engine and the viewer, renders examples/$(EXAMPLE) into
 # out/$(EXAMPLE)/ and writes PNG previews there.
@@ -47,6 +48,13 @@ fuzz: fuzz-build
 # A few seconds per target on its seeds: what CI runs.
 fuzz-smoke: fuzz-build
 	./scripts/run-fuzzers $(FUZZ_BUILD) 5
+
+# The Fourier transform against FFTW (docs/performance.md); extra Google
+# Benchmark options through BENCH_ARGS, e.g. BENCH_ARGS=--benchmark_filter=real2d/1024.
+bench: deps
+	cmake -S . -B $(BENCH_BUILD) -DCMAKE_BUILD_TYPE=RelWithDebInfo -DTC_BENCH=ON
+	cmake --build $(BENCH_BUILD) -j$(JOBS) --target fourt_benchmark
+	$(BENCH_BUILD)/bench/fourt_benchmark $(BENCH_ARGS)
 
 format:
 	clang-format-14 -i $$(git ls-files '*.cpp' '*.h')
