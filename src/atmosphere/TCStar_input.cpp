@@ -1,13 +1,13 @@
 #include "TCStar_input.h"
 
 #include <climits>
-#include <cstring>
 #include <fstream>
 #include <new>
 #include <string>
 
 #include "TCConstants.h"
 #include "TCData_file.h"
+#include "TCValue_lists.h"
 
 // Packed layout of the sun, positions counted from the root's part (the root
 // packs no ints and no doubles, and its name takes the first 256 chars).
@@ -28,14 +28,6 @@ const int at_n_keys = 2;
 const int fixed_ints = 3;
 const int doubles_per_key = 7;
 const int text_block = 256;
-
-// The largest count whose size in bytes still fits an int.
-const long long most_packed = INT_MAX / 8;
-
-// Rows a growing read makes room for before any has arrived; storage then
-// doubles as rows actually come, so a wild count in a short stream costs
-// nothing.
-const int first_capacity = 16;
 
 // The sun's angles between the list's degrees and the engine's radians: the
 // file's theta is measured from overhead, the engine's zenith from straight
@@ -58,41 +50,6 @@ int stored_keys(const TCKeyframes& track) {
   return track.number_of_times < 1 ? 1 : track.number_of_times;
 }
 
-// A copy of the first `used` entries in a larger array of capacity entries;
-// null when memory runs out (the caller still holds the old array).
-int* grown(const int* old_values, int used, int capacity) {
-  int* values = new (std::nothrow) int[capacity]();
-  if (values == nullptr) return nullptr;
-  for (int i = 0; i < used; i++) values[i] = old_values[i];
-  return values;
-}
-double* grown(const double* old_values, int used, int capacity) {
-  double* values = new (std::nothrow) double[capacity]();
-  if (values == nullptr) return nullptr;
-  for (int i = 0; i < used; i++) values[i] = old_values[i];
-  return values;
-}
-
-// Next capacity for a growing read of count entries: doubling, up to count.
-int next_capacity(int capacity, int count) {
-  return capacity > count / 2 ? count : 2 * capacity;
-}
-
-// A string from a packed block: up to its zero, never past the block.
-void text_from_block(char* target, const char* block) {
-  int i = 0;
-  while (i < text_block - 1 && block[i] != '\0') {
-    target[i] = block[i];
-    i++;
-  }
-  target[i] = '\0';
-}
-
-void packing_allocation_failed(const char* array_word) {
-  std::cout << "unable to allocate star " << array_word << " packing array "
-            << "\n";
-}
-
 }  // namespace
 
 TCStar_input::TCStar_input()
@@ -110,30 +67,18 @@ TCStar_input::TCStar_input()
 TCStar_input::~TCStar_input() {}
 
 int TCStar_input::read_file(const char* path) {
-  std::ifstream in(path ? path : "");
-  if (!in) {
-    std::cout << "unable to open sun input file " << (path ? path : "") << "\n";
-    return 0;
-  }
-  if (!read_stream(in)) {
-    std::cout << "unable to process sun file " << path << "\n";
-    return 0;
-  }
-  return 1;
+  std::ifstream in;
+  if (!open_input_file(in, path, "unable to open sun input file ")) return 0;
+  if (read_stream(in)) return 1;
+  return report_file_failure("unable to process sun file ", path);
 }
 
 int TCStar_input::write_file(const char* path) {
-  std::ofstream out(path ? path : "");
-  if (!out) {
-    std::cout << "unable to open star output file " << (path ? path : "") << "\n";
-    return 0;
-  }
+  std::ofstream out;
+  if (!open_output_file(out, path, "unable to open star output file ")) return 0;
   // Flushed here, so that a disk that refuses the bytes is noticed now.
-  if (!write_stream(out) || !out.flush()) {
-    std::cout << "unable to process star output file " << path << "\n";
-    return 0;
-  }
-  return 1;
+  if (write_stream(out) && out.flush()) return 1;
+  return report_file_failure("unable to process star output file ", path);
 }
 
 int TCStar_input::read_stream(std::istream& in) {
@@ -143,52 +88,27 @@ int TCStar_input::read_stream(std::istream& in) {
     return 0;
   }
   int method = position_method_flag;
-  int count = 0;
   skip_token(in);
   read_int(in, method);
-  skip_token(in);
-  const int have_count = read_int(in, count);
-  // A negative count is refused before anything is read for it; the caller
-  // reports the file.
-  if (have_count && count < 0) return 0;
-
   // The ids come first and must all be there before the irradiances are
-  // read, so storage never runs ahead of what the stream holds.
-  int complete = 0;
+  // read, so storage never runs ahead of what the stream holds. A negative
+  // count is refused before anything is read for it; the caller reports the
+  // file.
+  int count = 0;
+  int* ids = nullptr;
+  if (!read_counted_ints(in, INT_MAX, count, ids)) return 0;
+  const int complete = ids != nullptr;
   TCSpectrum read_irradiance(0);
-  if (have_count) {
-    int capacity = count < first_capacity ? count : first_capacity;
-    int* ids = new (std::nothrow) int[capacity]();
-    int ids_read = 0;
+  if (complete) {
+    read_irradiance = TCSpectrum(count);
+    take_ints(read_irradiance.band_id, ids, count);
     skip_token(in);
-    while (ids != nullptr && ids_read < count && in) {
-      if (ids_read == capacity) {
-        const int new_capacity = next_capacity(capacity, count);
-        int* more = grown(ids, ids_read, new_capacity);
-        if (more == nullptr) break;
-        delete[] ids;
-        ids = more;
-        capacity = new_capacity;
-      }
-      if (read_int(in, ids[ids_read])) ids_read++;
-    }
-    if (ids != nullptr && ids_read == count) {
-      read_irradiance = TCSpectrum(count);
-      for (int i = 0; i < count; i++) read_irradiance.band_id[i] = ids[i];
-      skip_token(in);
-      for (int i = 0; i < count && in; i++) read_double(in, read_irradiance.radiance_in_band[i]);
-      complete = 1;
-    }
-    delete[] ids;
+    read_doubles(in, read_irradiance.radiance_in_band, count);
   }
 
-  // The word that stopped a failed read is the most useful thing to show,
-  // and a failed read fails even when "end" follows it.
-  const bool read_failed = in.fail() || !complete;
-  in.clear();
   std::string token;
-  in >> token;
-  if (read_failed || token != "end") {
+  const int ended = read_end_word(in, token);
+  if (!complete || !ended) {
     std::cout << "unable to process input file "
               << "\n"
               << "where should have found end "
@@ -229,7 +149,7 @@ int TCStar_input::read_list_block(std::istream& in) {
   }
   for (int i = 0; i < 3; i++) skip_token(in);  // time theta phi
 
-  int capacity = count < first_capacity ? count : first_capacity;
+  int capacity = first_capacity(count);
   double* times = new (std::nothrow) double[capacity]();
   double* zeniths = new (std::nothrow) double[capacity]();
   double* azimuths = new (std::nothrow) double[capacity]();
@@ -322,13 +242,10 @@ void TCStar_input::packing_sizes(int& n_ints, int& n_doubles, int& n_chars) cons
   sizes_of(n_bands, n_keys, own_ints, own_doubles, own_chars);
   // -1 marks a count no array could hold (negative, or bytes beyond an int);
   // pack and unpack refuse it.
-  const long long all_ints = n_ints + own_ints;
-  const long long all_doubles = n_doubles + own_doubles;
-  const long long all_chars = n_chars + own_chars;
   const int sound = n_bands >= 0 && n_keys >= 1;
-  n_ints = (!sound || all_ints > most_packed) ? -1 : static_cast<int>(all_ints);
-  n_doubles = (!sound || all_doubles > most_packed) ? -1 : static_cast<int>(all_doubles);
-  n_chars = (!sound || all_chars > most_packed) ? -1 : static_cast<int>(all_chars);
+  n_ints = packed_count(n_ints + own_ints, sound);
+  n_doubles = packed_count(n_doubles + own_doubles, sound);
+  n_chars = packed_count(n_chars + own_chars, sound);
 }
 
 void TCStar_input::set_sizes_from_packed(const int* ints, const double* doubles,
@@ -347,8 +264,10 @@ int TCStar_input::pack(int*& ints, int& int_bytes, double*& doubles, int& double
   has_received_counts_ = 0;
   int n_ints = 0, n_doubles = 0, n_chars = 0;
   packing_sizes(n_ints, n_doubles, n_chars);
-  if (n_chars < 0 || n_ints < 0 || n_doubles < 0) {
-    packing_allocation_failed(n_chars < 0 ? "character" : (n_ints < 0 ? "integer" : "double"));
+  if (!packing_counts_fit(n_ints, n_doubles, n_chars,
+                          "unable to allocate star character packing array ",
+                          "unable to allocate star integer packing array ",
+                          "unable to allocate star double packing array ")) {
     return 0;
   }
   if (!TCObject_input::pack(ints, int_bytes, doubles, double_bytes, chars, char_bytes)) {
@@ -399,19 +318,8 @@ int TCStar_input::unpack_star_part(const int* ints, int int_bytes, const double*
   int base_ints = 0, base_doubles = 0, base_chars = 0;
   TCObject_input::packing_sizes(base_ints, base_doubles, base_chars);
 
-  if (n_ints < base_ints + fixed_ints || int_bytes != n_ints * static_cast<int>(sizeof(int))) {
-    std::cout << "packing integer array of the wrong size "
-              << "\n";
-    return 0;
-  }
-  if (n_doubles < 0 || double_bytes != n_doubles * static_cast<int>(sizeof(double))) {
-    std::cout << "packing double array of the wrong size "
-              << "\n";
-    return 0;
-  }
-  if (n_chars < 0 || char_bytes != n_chars) {
-    std::cout << "packing char array of the wrong size "
-              << "\n";
+  if (!packed_numbers_fit(n_ints, base_ints + fixed_ints, int_bytes, n_doubles, 0, double_bytes) ||
+      !packed_chars_fit(n_chars, char_bytes)) {
     return 0;
   }
   // The counts in the array must be the ones the sizes were worked out from.
@@ -420,16 +328,8 @@ int TCStar_input::unpack_star_part(const int* ints, int int_bytes, const double*
   const int n_keys = p[at_n_keys];
   long long want_ints = 0, want_doubles = 0, want_chars = 0;
   sizes_of(n_bands, n_keys, want_ints, want_doubles, want_chars);
-  if (n_bands < 0 || n_keys < 1 || base_ints + want_ints != n_ints) {
-    std::cout << "packing integer array of the wrong size "
-              << "\n";
-    return 0;
-  }
-  if (base_doubles + want_doubles != n_doubles) {
-    std::cout << "packing double array of the wrong size "
-              << "\n";
-    return 0;
-  }
+  if (n_bands < 0 || n_keys < 1 || base_ints + want_ints != n_ints) return packed_ints_wrong();
+  if (base_doubles + want_doubles != n_doubles) return packed_doubles_wrong();
 
   if (!TCObject_input::unpack(ints, int_bytes, doubles, double_bytes, chars, char_bytes)) {
     std::cout << "unable to unpack object part of star "

@@ -117,3 +117,38 @@ void copy_text(char* target, const char* source, int size) {
   if (length > 0) std::memcpy(target, source, length);
   target[length] = '\0';
 }
+
+int read_end_word(std::istream& in, std::string& token) {
+  const bool read_failed = in.fail();
+  in.clear();
+  token.clear();
+  in >> token;
+  return !read_failed && token == "end";
+}
+
+int check_end_after_fields(std::istream& in, const char* message) {
+  std::string token;
+  if (read_end_word(in, token)) return 1;
+  // No blank between the word and "instead": the words have always run together.
+  std::cout << (message ? message : "") << "\n"
+            << "read " << token << "instead of end"
+            << "\n";
+  return 0;
+}
+
+int open_input_file(std::ifstream& in, const char* path, const char* message) {
+  in.open(path ? path : "");
+  if (in) return 1;
+  return report_file_failure(message, path);
+}
+
+int open_output_file(std::ofstream& out, const char* path, const char* message) {
+  out.open(path ? path : "");
+  if (out) return 1;
+  return report_file_failure(message, path);
+}
+
+int report_file_failure(const char* message, const char* name) {
+  std::cout << (message ? message : "") << (name ? name : "") << "\n";
+  return 0;
+}

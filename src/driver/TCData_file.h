@@ -1,7 +1,9 @@
 #ifndef TC_DATA_FILE_H
 #define TC_DATA_FILE_H
 
+#include <fstream>
 #include <iostream>
+#include <string>
 
 // The conventions every keyword file of the engine shares. A file is a stream
 // of whitespace-separated tokens read in a fixed order; keywords are skipped
@@ -22,6 +24,22 @@ const char* yes_no_text(int flag);
 // Reads one token; anything but "end" prints message, a new line,
 // "read <token>instead of end" and returns 0.
 int check_end(std::istream& in, const char* message);
+
+// The closing word after fields read unchecked. A failed read earlier left
+// the word it choked on in the stream, the most useful thing to show: the
+// failure is cleared and that word put in token. 1 only for "end" with no
+// failure before it.
+int read_end_word(std::istream& in, std::string& token);
+// read_end_word; on failure prints message, a new line and
+// "read <word>instead of end", and returns 0.
+int check_end_after_fields(std::istream& in, const char* message);
+
+// Open path (null counts as "") for reading or writing; when that fails,
+// print message, the path and a new line, and return 0.
+int open_input_file(std::ifstream& in, const char* path, const char* message);
+int open_output_file(std::ofstream& out, const char* path, const char* message);
+// Prints message, name (null as "") and a new line; returns 0.
+int report_file_failure(const char* message, const char* name);
 
 // Token readers that never overrun and never change the target when the stream
 // fails, so a field keeps its value when the file is cut short or malformed.

@@ -1,7 +1,6 @@
 #include "TCCamera_input.h"
 
 #include <cfloat>
-#include <climits>
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
@@ -61,9 +60,6 @@ const int matte_fixed_ints = 4;  // the counts at 20 to 23
 const int camera_doubles = 6;
 const int text_block = 256;
 
-// The largest count whose size in bytes still fits an int.
-const long long most_packed = INT_MAX / 8;
-
 // A float in the fewest digits that read back to the same float.
 void write_float(std::ostream& out, float value) {
   for (int digits = 6; digits <= 9; digits++) {
@@ -100,26 +96,13 @@ int last_pixel(int n) {
   return static_cast<int>(static_cast<unsigned int>(n) - 1u);
 }
 
-// A string from a packed block: up to its zero, never past the block.
-void text_from_block(char* target, const char* block) {
-  int i = 0;
-  while (i < text_block - 1 && block[i] != '\0') {
-    target[i] = block[i];
-    i++;
-  }
-  target[i] = '\0';
-}
-
 // The reader's end check: a failed read left the word it choked on in the
 // stream, and that word is the most useful thing to show. A failed read
 // fails the check even when "end" follows (a number out of range at the
 // last field is consumed all the same).
 int camera_end_read(std::istream& in) {
-  const bool read_failed = in.fail();
-  in.clear();
   std::string token;
-  in >> token;
-  if (!read_failed && token == "end") return 1;
+  if (read_end_word(in, token)) return 1;
   std::cout << "camera file invalid, read " << token << "instead of end"
             << "\n";
   return 0;
@@ -207,29 +190,17 @@ TCCamera_input::~TCCamera_input() {
 }
 
 int TCCamera_input::read_file(const char* path) {
-  std::ifstream in(path ? path : "");
-  if (!in) {
-    std::cout << "unable to open camera file " << (path ? path : "") << "\n";
-    return 0;
-  }
-  if (!read_stream(in)) {
-    std::cout << "unable to process camera file " << path << "\n";
-    return 0;
-  }
-  return 1;
+  std::ifstream in;
+  if (!open_input_file(in, path, "unable to open camera file ")) return 0;
+  if (read_stream(in)) return 1;
+  return report_file_failure("unable to process camera file ", path);
 }
 
 int TCCamera_input::write_file(const char* path) {
-  std::ofstream out(path ? path : "");
-  if (!out) {
-    std::cout << "unable to open camera output file " << (path ? path : "") << "\n";
-    return 0;
-  }
-  if (!write_stream(out)) {
-    std::cout << "unable to process camera output file " << path << "\n";
-    return 0;
-  }
-  return 1;
+  std::ofstream out;
+  if (!open_output_file(out, path, "unable to open camera output file ")) return 0;
+  if (write_stream(out)) return 1;
+  return report_file_failure("unable to process camera output file ", path);
 }
 
 int TCCamera_input::read_stream(std::istream& in) {
@@ -520,9 +491,9 @@ void TCCamera_input::packing_sizes(int& n_ints, int& n_doubles, int& n_chars) co
   const long long all_ints = n_ints + own_ints;
   const long long all_doubles = n_doubles + own_doubles;
   const long long all_chars = n_chars + own_chars;
-  n_ints = (all_ints < 0 || all_ints > most_packed) ? -1 : static_cast<int>(all_ints);
-  n_doubles = (all_doubles < 0 || all_doubles > most_packed) ? -1 : static_cast<int>(all_doubles);
-  n_chars = (all_chars < 0 || all_chars > most_packed) ? -1 : static_cast<int>(all_chars);
+  n_ints = packed_count(all_ints, all_ints >= 0);
+  n_doubles = packed_count(all_doubles, all_doubles >= 0);
+  n_chars = packed_count(all_chars, all_chars >= 0);
 }
 
 void TCCamera_input::set_sizes_from_packed(const int* ints, const double* doubles,
@@ -671,35 +642,20 @@ int TCCamera_input::unpack_camera_part(const int* ints, int int_bytes, const dou
   TCObject_input::packing_sizes(base_ints, base_doubles, base_chars);
   const Packed_counts expected = has_received_counts_ ? received_counts_ : counts_of_fields();
 
-  if (n_ints < base_ints + fixed_ints || int_bytes != n_ints * static_cast<int>(sizeof(int))) {
-    std::cout << "packing integer array of the wrong size "
-              << "\n";
-    return 0;
-  }
-  if (n_doubles < 0 || double_bytes != n_doubles * static_cast<int>(sizeof(double))) {
-    std::cout << "packing double array of the wrong size "
-              << "\n";
-    return 0;
-  }
-  if (n_chars < 0 || char_bytes != n_chars) {
-    std::cout << "packing char array of the wrong size "
-              << "\n";
+  if (!packed_numbers_fit(n_ints, base_ints + fixed_ints, int_bytes, n_doubles, 0, double_bytes) ||
+      !packed_chars_fit(n_chars, char_bytes)) {
     return 0;
   }
   // The counts in the array itself must be those the sizes were worked out
   // from, and must describe a record. The matte counts are only there when
   // the array has room for them.
   if (ints[base_ints + at_use_mattes] != 0 && n_ints < base_ints + fixed_ints + matte_fixed_ints) {
-    std::cout << "packing integer array of the wrong size "
-              << "\n";
-    return 0;
+    return packed_ints_wrong();
   }
   const Packed_counts counts = counts_in(ints, base_ints);
   if (std::memcmp(&counts, &expected, sizeof(counts)) != 0 ||
       !counts_are_sound(ints, base_ints, n_ints, counts)) {
-    std::cout << "packing integer array of the wrong size "
-              << "\n";
-    return 0;
+    return packed_ints_wrong();
   }
 
   if (!TCObject_input::unpack(ints, int_bytes, doubles, double_bytes, chars, char_bytes)) {
@@ -805,33 +761,20 @@ TCBobbing_camera_input::TCBobbing_camera_input()
 TCBobbing_camera_input::~TCBobbing_camera_input() {}
 
 int TCBobbing_camera_input::read_file(const char* path) {
-  std::ifstream in(path ? path : "");
-  if (!in) {
-    std::cout << "unable to open bobbing camera file " << (path ? path : "") << "\n";
-    return 0;
-  }
+  std::ifstream in;
+  if (!open_input_file(in, path, "unable to open bobbing camera file ")) return 0;
   if (!TCCamera_input::read_stream(in)) {
-    std::cout << "unable to process camera file " << path << "\n";
-    return 0;
+    return report_file_failure("unable to process camera file ", path);
   }
-  if (!read_bobbing_section(in)) {
-    std::cout << "unable to process bobbing camera file " << path << "\n";
-    return 0;
-  }
-  return 1;
+  if (read_bobbing_section(in)) return 1;
+  return report_file_failure("unable to process bobbing camera file ", path);
 }
 
 int TCBobbing_camera_input::write_file(const char* path) {
-  std::ofstream out(path ? path : "");
-  if (!out) {
-    std::cout << "unable to open bobbing camera output file " << (path ? path : "") << "\n";
-    return 0;
-  }
-  if (!write_stream(out)) {
-    std::cout << "unable to process bobbing camera output file " << path << "\n";
-    return 0;
-  }
-  return 1;
+  std::ofstream out;
+  if (!open_output_file(out, path, "unable to open bobbing camera output file ")) return 0;
+  if (write_stream(out)) return 1;
+  return report_file_failure("unable to process bobbing camera output file ", path);
 }
 
 int TCBobbing_camera_input::read_stream(std::istream& in) {
@@ -859,11 +802,8 @@ int TCBobbing_camera_input::read_bobbing_section(std::istream& in) {
     }
   }
   // After a failed read, show the word that stopped it, and fail.
-  const bool read_failed = in.fail();
-  in.clear();
   std::string token;
-  in >> token;
-  if (read_failed || token != "end") {
+  if (!read_end_word(in, token)) {
     std::cout << "error in bobbing camera file, found " << token << "where I expected end "
               << "\n";
     return 0;

@@ -1,5 +1,6 @@
 #include "TCObject_input.h"
 
+#include <climits>
 #include <cstring>
 #include <iostream>
 #include <new>
@@ -219,4 +220,66 @@ int TCObject_input::unpack(const int* ints, int int_bytes, const double* doubles
   std::cout << object_name << " unpacked !"
             << "\n";
   return 1;
+}
+
+int TCObject_input::packed_count(long long total, int sound) {
+  // The largest count whose size in bytes (8 a double) still fits an int.
+  const long long most_packed = INT_MAX / 8;
+  return (!sound || total > most_packed) ? -1 : static_cast<int>(total);
+}
+
+int TCObject_input::packing_counts_fit(int n_ints, int n_doubles, int n_chars,
+                                       const char* char_message, const char* int_message,
+                                       const char* double_message) {
+  const char* message = nullptr;
+  if (n_chars < 0) {
+    message = char_message;
+  } else if (n_ints < 0) {
+    message = int_message;
+  } else if (n_doubles < 0) {
+    message = double_message;
+  }
+  if (message == nullptr) return 1;
+  std::cout << message << "\n";
+  return 0;
+}
+
+int TCObject_input::packed_numbers_fit(int n_ints, int least_ints, int int_bytes, int n_doubles,
+                                       int least_doubles, int double_bytes) {
+  if (n_ints < least_ints || int_bytes != n_ints * static_cast<int>(sizeof(int))) {
+    return packed_ints_wrong();
+  }
+  if (n_doubles < least_doubles || double_bytes != n_doubles * static_cast<int>(sizeof(double))) {
+    return packed_doubles_wrong();
+  }
+  return 1;
+}
+
+int TCObject_input::packed_chars_fit(int n_chars, int char_bytes) {
+  if (n_chars >= 0 && char_bytes == n_chars) return 1;
+  std::cout << "packing char array of the wrong size "
+            << "\n";
+  return 0;
+}
+
+int TCObject_input::packed_ints_wrong() {
+  std::cout << "packing integer array of the wrong size "
+            << "\n";
+  return 0;
+}
+
+int TCObject_input::packed_doubles_wrong() {
+  std::cout << "packing double array of the wrong size "
+            << "\n";
+  return 0;
+}
+
+void TCObject_input::text_from_block(char* target, const char* block) {
+  const int text_block = 256;
+  int i = 0;
+  while (i < text_block - 1 && block[i] != '\0') {
+    target[i] = block[i];
+    i++;
+  }
+  target[i] = '\0';
 }

@@ -59,6 +59,24 @@ class TCObject_input {
   // The receiving side's first check, shared by every class that unpacks:
   // 0, with the word for the first missing array, when one is null.
   static int packed_arrays_present(const int* ints, const double* doubles, const char* chars);
+  // A class's whole count worked out wide: -1, which pack and unpack refuse,
+  // when not sound or when its bytes would not fit an int.
+  static int packed_count(long long total, int sound);
+  // pack's first check: the first of the char, int and double counts that
+  // is -1 prints its message, and gives 0.
+  static int packing_counts_fit(int n_ints, int n_doubles, int n_chars, const char* char_message,
+                                const char* int_message, const char* double_message);
+  // unpack's byte checks against the counts packing_sizes gives, each count
+  // at least its least; prints the first array of the wrong size and gives 0.
+  static int packed_numbers_fit(int n_ints, int least_ints, int int_bytes, int n_doubles,
+                                int least_doubles, int double_bytes);
+  static int packed_chars_fit(int n_chars, int char_bytes);
+  // Print that the int or double array is of the wrong size; give 0.
+  static int packed_ints_wrong();
+  static int packed_doubles_wrong();
+  // A string from a packed block of 256 chars: up to its zero, never past
+  // the block.
+  static void text_from_block(char* target, const char* block);
 
  private:
   TCObject_input(const TCObject_input&);

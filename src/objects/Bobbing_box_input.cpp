@@ -24,37 +24,23 @@ Bobbing_box_input::Bobbing_box_input()
 Bobbing_box_input::~Bobbing_box_input() {}
 
 int Bobbing_box_input::read_file(const char* path) {
-  std::ifstream in(path ? path : "");
-  if (!in) {
-    std::cout << "unable to open box file " << (path ? path : "") << "\n";
-    return 0;
-  }
+  std::ifstream in;
+  if (!open_input_file(in, path, "unable to open box file ")) return 0;
   if (!Solid_box_input::read_stream(in)) {
-    std::cout << "unable to process box file " << path << "\n";
-    return 0;
+    return report_file_failure("unable to process box file ", path);
   }
-  if (!read_bobbing_section(in)) {
-    std::cout << "unable to process bobbing box file " << path << "\n";
-    return 0;
-  }
-  return 1;
+  if (read_bobbing_section(in)) return 1;
+  return report_file_failure("unable to process bobbing box file ", path);
 }
 
 int Bobbing_box_input::write_file(const char* path) {
-  std::ofstream out(path ? path : "");
-  if (!out) {
-    std::cout << "unable to open box file " << (path ? path : "") << "\n";
-    return 0;
-  }
+  std::ofstream out;
+  if (!open_output_file(out, path, "unable to open box file ")) return 0;
   if (!Solid_box_input::write_stream(out) || !out.flush()) {
-    std::cout << "unable to process box file " << path << "\n";
-    return 0;
+    return report_file_failure("unable to process box file ", path);
   }
-  if (!write_bobbing_section(out) || !out.flush()) {
-    std::cout << "unable to process bobbing box file " << path << "\n";
-    return 0;
-  }
-  return 1;
+  if (write_bobbing_section(out) && out.flush()) return 1;
+  return report_file_failure("unable to process bobbing box file ", path);
 }
 
 int Bobbing_box_input::read_stream(std::istream& in) {
@@ -106,16 +92,10 @@ int Bobbing_box_input::pack(int*& ints, int& int_bytes, double*& doubles, int& d
   drop_received_counts();
   int n_ints = 0, n_doubles = 0, n_chars = 0;
   packing_sizes(n_ints, n_doubles, n_chars);
-  if (n_chars < 0) {
-    print_line("unable to allocate bobbing box character packing arrays ");
-    return 0;
-  }
-  if (n_ints < 0) {
-    print_line("unable to allocate bobbing box integer packing array ");
-    return 0;
-  }
-  if (n_doubles < 0) {
-    print_line("unable to allocate bobbing box double packing array ");
+  if (!packing_counts_fit(n_ints, n_doubles, n_chars,
+                          "unable to allocate bobbing box character packing arrays ",
+                          "unable to allocate bobbing box integer packing array ",
+                          "unable to allocate bobbing box double packing array ")) {
     return 0;
   }
   if (!Solid_box_input::pack(ints, int_bytes, doubles, double_bytes, chars, char_bytes)) {
@@ -134,18 +114,8 @@ int Bobbing_box_input::unpack(const int* ints, int int_bytes, const double* doub
   if (!packed_arrays_present(ints, doubles, chars)) return 0;
   int n_ints = 0, n_doubles = 0, n_chars = 0;
   packing_sizes(n_ints, n_doubles, n_chars);
-  if (n_ints < 0 || int_bytes != n_ints * static_cast<int>(sizeof(int))) {
-    print_line("packing integer array of the wrong size ");
-    drop_received_counts();
-    return 0;
-  }
-  if (n_doubles < bobbing_doubles || double_bytes != n_doubles * static_cast<int>(sizeof(double))) {
-    print_line("packing double array of the wrong size ");
-    drop_received_counts();
-    return 0;
-  }
-  if (n_chars < 0 || char_bytes != n_chars) {
-    print_line("packing char array of the wrong size ");
+  if (!packed_numbers_fit(n_ints, 0, int_bytes, n_doubles, bobbing_doubles, double_bytes) ||
+      !packed_chars_fit(n_chars, char_bytes)) {
     drop_received_counts();
     return 0;
   }

@@ -4,10 +4,10 @@
 #include <cstring>
 #include <fstream>
 #include <new>
-#include <string>
 
 #include "TCData_file.h"
 #include "TCObject_kinds.h"
+#include "TCValue_lists.h"
 
 // Packed layout of a picture, positions counted from the root's part (the
 // root packs no ints and no doubles, and its name takes the first 256 chars).
@@ -33,77 +33,8 @@ const int fixed_ints = 8;
 const int fixed_doubles = 3;
 const int text_block = 256;
 
-// The largest count whose size in bytes still fits an int.
-const long long most_packed = INT_MAX / 8;
-
-// Ids a growing read makes room for before any has arrived; storage then
-// doubles as ids actually come, so a wild count in a short file costs
-// nothing.
-const int first_capacity = 16;
-
-// count ints into a new array, grown as they arrive. Null unless all count
-// were read (and memory held out); the caller owns the array.
-int* read_int_list(std::istream& in, int count) {
-  int capacity = count < first_capacity ? count : first_capacity;
-  int* values = new (std::nothrow) int[capacity > 0 ? capacity : 1]();
-  int n_read = 0;
-  while (values != nullptr && n_read < count) {
-    if (n_read == capacity) {
-      const int new_capacity = capacity > count / 2 ? count : 2 * capacity;
-      int* more = new (std::nothrow) int[new_capacity]();
-      if (more == nullptr) break;
-      for (int i = 0; i < n_read; i++) more[i] = values[i];
-      delete[] values;
-      values = more;
-      capacity = new_capacity;
-    }
-    if (!read_int(in, values[n_read])) break;
-    n_read++;
-  }
-  if (n_read < count) {
-    delete[] values;
-    return nullptr;
-  }
-  return values;
-}
-
-// Up to count doubles, stopping at the first that fails; a null target
-// reads and drops them.
-void read_doubles(std::istream& in, double* target, int count) {
-  for (int i = 0; i < count; i++) {
-    double value = 0.0;
-    if (!read_double(in, value)) return;
-    if (target != nullptr) target[i] = value;
-  }
-}
-
 void write_values(std::ostream& out, const double* values, int count) {
   for (int i = 0; i < count; i++) out << values[i] << " ";
-}
-
-// The closing word. A failed read earlier left the word it choked on in the
-// stream, the most useful thing to show, and fails the check even when
-// "end" follows.
-int end_read(std::istream& in, const char* message) {
-  const bool read_failed = in.fail();
-  in.clear();
-  std::string token;
-  in >> token;
-  if (!read_failed && token == "end") return 1;
-  std::cout << message << "\n"
-            << "read " << token << "instead of end"
-            << "\n";
-  return 0;
-}
-
-// A string from a packed block: up to its zero, never past the block.
-void text_from_block(char* target, const char* block) {
-  int i = 0;
-  while (i < text_block - 1 && block[i] != '\0') {
-    target[i] = block[i];
-    i++;
-  }
-  target[i] = '\0';
 }
 
 // The picture's part of the packed sizes, wide so that no count overflows.
@@ -111,13 +42,6 @@ void sizes_of(int n_bands, long long& n_ints, long long& n_doubles, long long& n
   n_ints = fixed_ints + static_cast<long long>(n_bands);
   n_doubles = fixed_doubles + 4 * static_cast<long long>(n_bands);
   n_chars = text_block;
-}
-
-double* new_doubles(int count, double value) {
-  double* values = new (std::nothrow) double[count > 0 ? count : 1];
-  if (values == nullptr) return nullptr;
-  for (int i = 0; i < count; i++) values[i] = value;
-  return values;
 }
 
 }  // namespace
@@ -167,10 +91,10 @@ Picture_input::~Picture_input() {
 int Picture_input::allocate_arrays(int count) {
   if (count < 0) return 0;
   int* ids = new (std::nothrow) int[count > 0 ? count : 1]();
-  double* front = new_doubles(count, 0.0);
-  double* back = new_doubles(count, 0.0);
-  double* mins = new_doubles(count, 0.0);
-  double* maxs = new_doubles(count, 255.0);
+  double* front = new_band_values(count, 0.0);
+  double* back = new_band_values(count, 0.0);
+  double* mins = new_band_values(count, 0.0);
+  double* maxs = new_band_values(count, 255.0);
   if (ids == nullptr || front == nullptr || back == nullptr || mins == nullptr || maxs == nullptr) {
     delete[] ids;
     delete[] front;
@@ -204,30 +128,18 @@ void Picture_input::release_arrays() {
 }
 
 int Picture_input::read_file(const char* path) {
-  std::ifstream in(path ? path : "");
-  if (!in) {
-    std::cout << "unable to open picture input file " << (path ? path : "") << "\n";
-    return 0;
-  }
-  if (!read_stream(in)) {
-    std::cout << "unable to process picture file " << object_name << "\n";
-    return 0;
-  }
-  return 1;
+  std::ifstream in;
+  if (!open_input_file(in, path, "unable to open picture input file ")) return 0;
+  if (read_stream(in)) return 1;
+  return report_file_failure("unable to process picture file ", object_name);
 }
 
 int Picture_input::write_file(const char* path) {
-  std::ofstream out(path ? path : "");
-  if (!out) {
-    std::cout << "unable to open picture output file " << (path ? path : "") << "\n";
-    return 0;
-  }
+  std::ofstream out;
+  if (!open_output_file(out, path, "unable to open picture output file ")) return 0;
   // Flushed here, so that a disk that refuses the bytes is noticed now.
-  if (!write_stream(out) || !out.flush()) {
-    std::cout << "unable to process picture output file " << path << "\n";
-    return 0;
-  }
-  return 1;
+  if (write_stream(out) && out.flush()) return 1;
+  return report_file_failure("unable to process picture output file ", path);
 }
 
 int Picture_input::read_stream(std::istream& in) {
@@ -237,29 +149,7 @@ int Picture_input::read_stream(std::istream& in) {
               << "\n";
     return 0;
   }
-  int count = 0;
-  skip_token(in);
-  if (read_int(in, count)) {
-    if (count < 0) {
-      std::cout << "unable to allocate picture input arrays "
-                << "\n";
-      return 0;
-    }
-    // The ids come first, so that storage for the count is only made once
-    // the stream has shown that it holds that many values.
-    skip_token(in);
-    int* ids = read_int_list(in, count);
-    if (ids != nullptr) {
-      if (!allocate_arrays(count)) {
-        delete[] ids;
-        std::cout << "unable to allocate picture input arrays "
-                  << "\n";
-        return 0;
-      }
-      for (int i = 0; i < count; i++) band_ids[i] = ids[i];
-      delete[] ids;
-    }
-  }
+  if (!read_band_ids(in)) return 0;
 
   skip_token(in);
   if (read_double(in, width)) read_double(in, height);
@@ -291,7 +181,22 @@ int Picture_input::read_stream(std::istream& in) {
   } else {
     imaging_method = 2;
   }
-  return end_read(in, "error processing picture file ");
+  return check_end_after_fields(in, "error processing picture file ");
+}
+
+int Picture_input::read_band_ids(std::istream& in) {
+  // The ids come first, so that storage for the count is only made once the
+  // stream has shown that it holds that many values.
+  int count = 0;
+  int* ids = nullptr;
+  if (!read_counted_ints(in, INT_MAX, count, ids) || (ids != nullptr && !allocate_arrays(count))) {
+    delete[] ids;
+    std::cout << "unable to allocate picture input arrays "
+              << "\n";
+    return 0;
+  }
+  take_ints(band_ids, ids, count);
+  return 1;
 }
 
 int Picture_input::read_side(std::istream& in, int side) {
@@ -389,13 +294,10 @@ void Picture_input::packing_sizes(int& n_ints, int& n_doubles, int& n_chars) con
   sizes_of(n_bands, own_ints, own_doubles, own_chars);
   // -1 marks a count no array could hold (negative, or bytes beyond an int);
   // pack and unpack refuse it.
-  const long long all_ints = n_ints + own_ints;
-  const long long all_doubles = n_doubles + own_doubles;
-  const long long all_chars = n_chars + own_chars;
   const int sound = n_bands >= 0;
-  n_ints = (!sound || all_ints > most_packed) ? -1 : static_cast<int>(all_ints);
-  n_doubles = (!sound || all_doubles > most_packed) ? -1 : static_cast<int>(all_doubles);
-  n_chars = (!sound || all_chars > most_packed) ? -1 : static_cast<int>(all_chars);
+  n_ints = packed_count(n_ints + own_ints, sound);
+  n_doubles = packed_count(n_doubles + own_doubles, sound);
+  n_chars = packed_count(n_chars + own_chars, sound);
 }
 
 void Picture_input::set_sizes_from_packed(const int* ints, const double* doubles,
@@ -413,19 +315,10 @@ int Picture_input::pack(int*& ints, int& int_bytes, double*& doubles, int& doubl
   has_received_counts_ = 0;
   int n_ints = 0, n_doubles = 0, n_chars = 0;
   packing_sizes(n_ints, n_doubles, n_chars);
-  if (n_chars < 0) {
-    std::cout << "unable to allocate picture character packing array "
-              << "\n";
-    return 0;
-  }
-  if (n_ints < 0) {
-    std::cout << "unable to allocate picture integer packing array "
-              << "\n";
-    return 0;
-  }
-  if (n_doubles < 0) {
-    std::cout << "unable to allocate picture double packing array "
-              << "\n";
+  if (!packing_counts_fit(n_ints, n_doubles, n_chars,
+                          "unable to allocate picture character packing array ",
+                          "unable to allocate picture integer packing array ",
+                          "unable to allocate picture double packing array ")) {
     return 0;
   }
   // The words name the camera: they have always been printed so.
@@ -484,14 +377,7 @@ int Picture_input::unpack_picture_part(const int* ints, int int_bytes, const dou
   int base_ints = 0, base_doubles = 0, base_chars = 0;
   TCObject_input::packing_sizes(base_ints, base_doubles, base_chars);
 
-  if (n_ints < base_ints + fixed_ints || int_bytes != n_ints * static_cast<int>(sizeof(int))) {
-    std::cout << "packing integer array of the wrong size "
-              << "\n";
-    return 0;
-  }
-  if (n_doubles < 0 || double_bytes != n_doubles * static_cast<int>(sizeof(double))) {
-    std::cout << "packing double array of the wrong size "
-              << "\n";
+  if (!packed_numbers_fit(n_ints, base_ints + fixed_ints, int_bytes, n_doubles, 0, double_bytes)) {
     return 0;
   }
   // The count in the array must be the one the sizes were worked out from.
@@ -499,16 +385,8 @@ int Picture_input::unpack_picture_part(const int* ints, int int_bytes, const dou
   const int n_bands = p[at_n_bands];
   long long want_ints = 0, want_doubles = 0, want_chars = 0;
   sizes_of(n_bands, want_ints, want_doubles, want_chars);
-  if (n_bands < 0 || base_ints + want_ints != n_ints) {
-    std::cout << "packing integer array of the wrong size "
-              << "\n";
-    return 0;
-  }
-  if (base_doubles + want_doubles != n_doubles) {
-    std::cout << "packing double array of the wrong size "
-              << "\n";
-    return 0;
-  }
+  if (n_bands < 0 || base_ints + want_ints != n_ints) return packed_ints_wrong();
+  if (base_doubles + want_doubles != n_doubles) return packed_doubles_wrong();
 
   if (!TCObject_input::unpack(ints, int_bytes, doubles, double_bytes, chars, char_bytes)) {
     std::cout << "unable to unpack object part of camera "

@@ -86,6 +86,8 @@ class Picture_input : public TCObject_input {
   int imaging_method;  // 1 skips anti-aliased views; below 2: 2 x 2 samples, else 4 x 4
 
  private:
+  // The band count and ids, into arrays made for them.
+  int read_band_ids(std::istream& in);
   int read_side(std::istream& in, int side);
   int write_side(std::ostream& out, int side) const;
   int unpack_picture_part(const int* ints, int int_bytes, const double* doubles, int double_bytes,

@@ -1,11 +1,10 @@
 #include "Solid_box_input.h"
 
-#include <climits>
 #include <fstream>
-#include <new>
 
 #include "TCData_file.h"
 #include "TCObject_kinds.h"
+#include "TCValue_lists.h"
 
 // Packed layout of a solid box, positions counted from the root's part (the
 // root packs no ints and no doubles, and its name takes the first 256 chars).
@@ -24,9 +23,6 @@ const int at_n_bands = 0;
 const int fixed_ints = 1;
 const int fixed_doubles = 3;
 const int per_band_doubles = 3;
-
-// The largest count whose size in bytes still fits an int.
-const long long most_packed = INT_MAX / 8;
 
 void print_line(const char* text) {
   std::cout << text << "\n";
@@ -54,48 +50,35 @@ Solid_box_input::~Solid_box_input() {
 }
 
 int Solid_box_input::allocate_bands(int count) {
-  if (count < 0 || count > most_packed) return 0;
-  double* new_reflectivity = new (std::nothrow) double[count > 0 ? count : 1]();
-  double* new_transmissivity = new (std::nothrow) double[count > 0 ? count : 1]();
-  if (new_reflectivity == nullptr || new_transmissivity == nullptr) {
-    delete[] new_reflectivity;
-    delete[] new_transmissivity;
-    return 0;
-  }
+  if (count < 0 || count > most_bands) return 0;
+  double* lists[2];
+  if (!new_band_lists(count, lists, 2)) return 0;
   band_ids = TCSpectrum(count);
+  keep_bands(count, lists[0], lists[1]);
+  return 1;
+}
+
+void Solid_box_input::keep_bands(int count, double* new_reflectivity, double* new_transmissivity) {
   delete[] reflectivity;
   delete[] transmissivity;
   reflectivity = new_reflectivity;
   transmissivity = new_transmissivity;
   number_of_bands = count;
-  return 1;
 }
 
 int Solid_box_input::read_file(const char* path) {
-  std::ifstream in(path ? path : "");
-  if (!in) {
-    std::cout << "unable to open box file " << (path ? path : "") << "\n";
-    return 0;
-  }
-  if (!read_stream(in)) {
-    std::cout << "unable to process box file " << path << "\n";
-    return 0;
-  }
-  return 1;
+  std::ifstream in;
+  if (!open_input_file(in, path, "unable to open box file ")) return 0;
+  if (read_stream(in)) return 1;
+  return report_file_failure("unable to process box file ", path);
 }
 
 int Solid_box_input::write_file(const char* path) {
-  std::ofstream out(path ? path : "");
-  if (!out) {
-    std::cout << "unable to open box file " << (path ? path : "") << "\n";
-    return 0;
-  }
+  std::ofstream out;
+  if (!open_output_file(out, path, "unable to open box file ")) return 0;
   // Flushed here, so that a disk that refuses the bytes is noticed now.
-  if (!write_stream(out) || !out.flush()) {
-    std::cout << "unable to process box file " << path << "\n";
-    return 0;
-  }
-  return 1;
+  if (write_stream(out) && out.flush()) return 1;
+  return report_file_failure("unable to process box file ", path);
 }
 
 int Solid_box_input::read_stream(std::istream& in) {
@@ -106,66 +89,25 @@ int Solid_box_input::read_stream(std::istream& in) {
   const TCVector old_length = length;
   read_lengths(in);
 
+  // Radiance, reflectivity, transmissivity.
   int count = 0;
   int* ids = nullptr;
-  double* radiance = nullptr;
-  double* new_reflectivity = nullptr;
-  double* new_transmissivity = nullptr;
-  skip_token(in);
-  if (read_int(in, count)) {
-    if (count < 0 || count > most_packed) {
-      print_line("unable to allocate memory in Solid_box_input");
-      length = old_length;
-      return 0;
-    }
-    // The ids come first, so that storage for the count is only made once
-    // the stream has shown that it holds that many values.
-    skip_token(in);
-    ids = read_int_list(in, count);
-    if (ids != nullptr) {
-      const int size = count > 0 ? count : 1;
-      radiance = new (std::nothrow) double[size]();
-      new_reflectivity = new (std::nothrow) double[size]();
-      new_transmissivity = new (std::nothrow) double[size]();
-      if (radiance == nullptr || new_reflectivity == nullptr || new_transmissivity == nullptr) {
-        print_line("unable to allocate memory in Solid_box_input ");
-        delete[] ids;
-        delete[] radiance;
-        delete[] new_reflectivity;
-        delete[] new_transmissivity;
-        length = old_length;
-        return 0;
-      }
-      skip_token(in);
-      read_doubles(in, radiance, count);
-      skip_token(in);
-      read_doubles(in, new_reflectivity, count);
-      skip_token(in);
-      read_doubles(in, new_transmissivity, count);
-    }
-  }
-
-  const int complete = ids != nullptr;
-  if (!end_read(in, "error processing solid_box file ") || !complete) {
+  double* lists[3];
+  if (!read_band_lists(in, "unable to allocate memory in Solid_box_input", count, ids, lists, 3) ||
+      !check_end_after_fields(in, "error processing solid_box file ") || ids == nullptr) {
     delete[] ids;
-    delete[] radiance;
-    delete[] new_reflectivity;
-    delete[] new_transmissivity;
+    delete_band_lists(lists, 3);
     length = old_length;
     return 0;
   }
   band_ids = TCSpectrum(count);
   for (int i = 0; i < count; i++) {
     band_ids.band_id[i] = ids[i];
-    band_ids.radiance_in_band[i] = radiance[i];
+    band_ids.radiance_in_band[i] = lists[0][i];
   }
   delete[] ids;
-  delete[] radiance;
-  delete[] reflectivity;
-  delete[] transmissivity;
-  reflectivity = new_reflectivity;
-  transmissivity = new_transmissivity;
-  number_of_bands = count;
+  keep_bands(count, lists[1], lists[2]);
+  delete[] lists[0];
   return 1;
 }
 
@@ -188,11 +130,9 @@ void Solid_box_input::packing_sizes(int& n_ints, int& n_doubles, int& n_chars) c
   const long long n_bands = packed_band_count();
   // -1 marks a count no array could hold (negative, or bytes beyond an int);
   // pack and unpack refuse it.
-  const long long all_ints = n_ints + fixed_ints + n_bands;
-  const long long all_doubles = n_doubles + fixed_doubles + per_band_doubles * n_bands;
   const int sound = n_bands >= 0;
-  n_ints = (!sound || all_ints > most_packed) ? -1 : static_cast<int>(all_ints);
-  n_doubles = (!sound || all_doubles > most_packed) ? -1 : static_cast<int>(all_doubles);
+  n_ints = packed_count(n_ints + fixed_ints + n_bands, sound);
+  n_doubles = packed_count(n_doubles + fixed_doubles + per_band_doubles * n_bands, sound);
 }
 
 void Solid_box_input::set_sizes_from_packed(const int* ints, const double* doubles,
@@ -211,16 +151,10 @@ int Solid_box_input::pack(int*& ints, int& int_bytes, double*& doubles, int& dou
   int n_ints = 0, n_doubles = 0, n_chars = 0;
   packing_sizes(n_ints, n_doubles, n_chars);
   // The words of other kinds of record, as they have always been printed.
-  if (n_chars < 0) {
-    print_line("unable to allocate bobbing box character packing arrays ");
-    return 0;
-  }
-  if (n_ints < 0) {
-    print_line("unable to allocate air integer packing array ");
-    return 0;
-  }
-  if (n_doubles < 0) {
-    print_line("unable to allocate air double packing array ");
+  if (!packing_counts_fit(n_ints, n_doubles, n_chars,
+                          "unable to allocate bobbing box character packing arrays ",
+                          "unable to allocate air integer packing array ",
+                          "unable to allocate air double packing array ")) {
     return 0;
   }
   if (!TCObject_input::pack(ints, int_bytes, doubles, double_bytes, chars, char_bytes)) {
@@ -258,38 +192,22 @@ int Solid_box_input::unpack_solid_part(const int* ints, int int_bytes, const dou
   packing_sizes(n_ints, n_doubles, n_chars);
   int base_ints = 0, base_doubles = 0, base_chars = 0;
   TCObject_input::packing_sizes(base_ints, base_doubles, base_chars);
-  if (n_ints < base_ints + fixed_ints || int_bytes != n_ints * static_cast<int>(sizeof(int))) {
-    print_line("packing integer array of the wrong size ");
-    return 0;
-  }
-  if (n_doubles < 0 || double_bytes != n_doubles * static_cast<int>(sizeof(double))) {
-    print_line("packing double array of the wrong size ");
-    return 0;
-  }
-  if (n_chars < 0 || char_bytes != n_chars) {
-    print_line("packing char array of the wrong size ");
+  if (!packed_numbers_fit(n_ints, base_ints + fixed_ints, int_bytes, n_doubles, 0, double_bytes) ||
+      !packed_chars_fit(n_chars, char_bytes)) {
     return 0;
   }
   // The count in the array must be the one the sizes were worked out from.
   const int* p = ints + base_ints;
   const int count = p[at_n_bands];
-  if (count < 0 || count != packed_band_count()) {
-    print_line("packing integer array of the wrong size ");
-    return 0;
-  }
+  if (count < 0 || count != packed_band_count()) return packed_ints_wrong();
 
-  const int size = count > 0 ? count : 1;
-  double* new_reflectivity = new (std::nothrow) double[size]();
-  double* new_transmissivity = new (std::nothrow) double[size]();
-  if (new_reflectivity == nullptr || new_transmissivity == nullptr) {
-    delete[] new_reflectivity;
-    delete[] new_transmissivity;
+  double* lists[2];
+  if (!new_band_lists(count, lists, 2)) {
     print_line("unable to allocate reflectity array in unpack ");
     return 0;
   }
   if (!TCObject_input::unpack(ints, int_bytes, doubles, double_bytes, chars, char_bytes)) {
-    delete[] new_reflectivity;
-    delete[] new_transmissivity;
+    delete_band_lists(lists, 2);
     print_line("unable to unpack object part of box ");
     return 0;
   }
@@ -302,13 +220,9 @@ int Solid_box_input::unpack_solid_part(const int* ints, int int_bytes, const dou
     unpacked.band_id[i] = p[fixed_ints + i];
     unpacked.radiance_in_band[i] = *d++;
   }
-  for (int i = 0; i < count; i++) new_reflectivity[i] = *d++;
-  for (int i = 0; i < count; i++) new_transmissivity[i] = *d++;
+  for (int i = 0; i < count; i++) lists[0][i] = *d++;
+  for (int i = 0; i < count; i++) lists[1][i] = *d++;
   band_ids = unpacked;
-  delete[] reflectivity;
-  delete[] transmissivity;
-  reflectivity = new_reflectivity;
-  transmissivity = new_transmissivity;
-  number_of_bands = count;
+  keep_bands(count, lists[0], lists[1]);
   return 1;
 }

@@ -62,6 +62,8 @@ class Solid_box_input : public box_input {
   void drop_received_counts() { has_received_counts_ = 0; }
 
  private:
+  // Takes the two arrays of count bands in place of the record's own.
+  void keep_bands(int count, double* new_reflectivity, double* new_transmissivity);
   int unpack_solid_part(const int* ints, int int_bytes, const double* doubles, int double_bytes,
                         const char* chars, int char_bytes);
 

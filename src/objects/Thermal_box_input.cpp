@@ -1,11 +1,10 @@
 #include "Thermal_box_input.h"
 
-#include <climits>
 #include <fstream>
-#include <new>
 
 #include "TCData_file.h"
 #include "TCObject_kinds.h"
+#include "TCValue_lists.h"
 
 // Packed layout of a thermal box, positions counted from the root's part
 // (the root packs no ints and no doubles, and its name takes the first 256
@@ -24,9 +23,6 @@ const int at_n_bands = 0;
 const int fixed_ints = 1;
 const int fixed_doubles = 3;
 const int per_band_doubles = 2;
-
-// The largest count whose size in bytes still fits an int.
-const long long most_packed = INT_MAX / 8;
 
 void print_line(const char* text) {
   std::cout << text << "\n";
@@ -52,48 +48,35 @@ Thermal_box_input::~Thermal_box_input() {
 }
 
 int Thermal_box_input::allocate_bands(int count) {
-  if (count < 0 || count > most_packed) return 0;
-  double* new_radiance = new (std::nothrow) double[count > 0 ? count : 1]();
-  double* new_absorption = new (std::nothrow) double[count > 0 ? count : 1]();
-  if (new_radiance == nullptr || new_absorption == nullptr) {
-    delete[] new_radiance;
-    delete[] new_absorption;
-    return 0;
-  }
+  if (count < 0 || count > most_bands) return 0;
+  double* lists[2];
+  if (!new_band_lists(count, lists, 2)) return 0;
   band_ids = TCSpectrum(count);
+  keep_bands(count, lists[0], lists[1]);
+  return 1;
+}
+
+void Thermal_box_input::keep_bands(int count, double* new_radiance, double* new_absorption) {
   delete[] radiance;
   delete[] absorption;
   radiance = new_radiance;
   absorption = new_absorption;
   number_of_bands = count;
-  return 1;
 }
 
 int Thermal_box_input::read_file(const char* path) {
-  std::ifstream in(path ? path : "");
-  if (!in) {
-    std::cout << "unable to open box file " << (path ? path : "") << "\n";
-    return 0;
-  }
-  if (!read_stream(in)) {
-    std::cout << "unable to process box file " << path << "\n";
-    return 0;
-  }
-  return 1;
+  std::ifstream in;
+  if (!open_input_file(in, path, "unable to open box file ")) return 0;
+  if (read_stream(in)) return 1;
+  return report_file_failure("unable to process box file ", path);
 }
 
 int Thermal_box_input::write_file(const char* path) {
-  std::ofstream out(path ? path : "");
-  if (!out) {
-    std::cout << "unable to open box file " << (path ? path : "") << "\n";
-    return 0;
-  }
+  std::ofstream out;
+  if (!open_output_file(out, path, "unable to open box file ")) return 0;
   // Flushed here, so that a disk that refuses the bytes is noticed now.
-  if (!write_stream(out) || !out.flush()) {
-    std::cout << "unable to process box file " << path << "\n";
-    return 0;
-  }
-  return 1;
+  if (write_stream(out) && out.flush()) return 1;
+  return report_file_failure("unable to process box file ", path);
 }
 
 int Thermal_box_input::read_stream(std::istream& in) {
@@ -104,56 +87,21 @@ int Thermal_box_input::read_stream(std::istream& in) {
   const TCVector old_length = length;
   read_lengths(in);
 
+  // Radiance, absorption.
   int count = 0;
   int* ids = nullptr;
-  double* new_radiance = nullptr;
-  double* new_absorption = nullptr;
-  skip_token(in);
-  if (read_int(in, count)) {
-    if (count < 0 || count > most_packed) {
-      print_line("unable to allocate memory in Thermal_box_input");
-      length = old_length;
-      return 0;
-    }
-    // The ids come first, so that storage for the count is only made once
-    // the stream has shown that it holds that many values.
-    skip_token(in);
-    ids = read_int_list(in, count);
-    if (ids != nullptr) {
-      const int size = count > 0 ? count : 1;
-      new_radiance = new (std::nothrow) double[size]();
-      new_absorption = new (std::nothrow) double[size]();
-      if (new_radiance == nullptr || new_absorption == nullptr) {
-        print_line("unable to allocate memory in Thermal_box_input ");
-        delete[] ids;
-        delete[] new_radiance;
-        delete[] new_absorption;
-        length = old_length;
-        return 0;
-      }
-      skip_token(in);
-      read_doubles(in, new_radiance, count);
-      skip_token(in);
-      read_doubles(in, new_absorption, count);
-    }
-  }
-
-  const int complete = ids != nullptr;
-  if (!end_read(in, "error processing Thermal_box file ") || !complete) {
+  double* lists[2];
+  if (!read_band_lists(in, "unable to allocate memory in Thermal_box_input", count, ids, lists,
+                       2) ||
+      !check_end_after_fields(in, "error processing Thermal_box file ") || ids == nullptr) {
     delete[] ids;
-    delete[] new_radiance;
-    delete[] new_absorption;
+    delete_band_lists(lists, 2);
     length = old_length;
     return 0;
   }
   band_ids = TCSpectrum(count);
-  for (int i = 0; i < count; i++) band_ids.band_id[i] = ids[i];
-  delete[] ids;
-  delete[] radiance;
-  delete[] absorption;
-  radiance = new_radiance;
-  absorption = new_absorption;
-  number_of_bands = count;
+  take_ints(band_ids.band_id, ids, count);
+  keep_bands(count, lists[0], lists[1]);
   return 1;
 }
 
@@ -176,11 +124,9 @@ void Thermal_box_input::packing_sizes(int& n_ints, int& n_doubles, int& n_chars)
   const long long n_bands = packed_band_count();
   // -1 marks a count no array could hold (negative, or bytes beyond an int);
   // pack and unpack refuse it.
-  const long long all_ints = n_ints + fixed_ints + n_bands;
-  const long long all_doubles = n_doubles + fixed_doubles + per_band_doubles * n_bands;
   const int sound = n_bands >= 0;
-  n_ints = (!sound || all_ints > most_packed) ? -1 : static_cast<int>(all_ints);
-  n_doubles = (!sound || all_doubles > most_packed) ? -1 : static_cast<int>(all_doubles);
+  n_ints = packed_count(n_ints + fixed_ints + n_bands, sound);
+  n_doubles = packed_count(n_doubles + fixed_doubles + per_band_doubles * n_bands, sound);
 }
 
 void Thermal_box_input::set_sizes_from_packed(const int* ints, const double* doubles,
@@ -199,16 +145,10 @@ int Thermal_box_input::pack(int*& ints, int& int_bytes, double*& doubles, int& d
   int n_ints = 0, n_doubles = 0, n_chars = 0;
   packing_sizes(n_ints, n_doubles, n_chars);
   // The words of other kinds of record, as they have always been printed.
-  if (n_chars < 0) {
-    print_line("unable to allocate bobbing box character packing arrays ");
-    return 0;
-  }
-  if (n_ints < 0) {
-    print_line("unable to allocate air integer packing array ");
-    return 0;
-  }
-  if (n_doubles < 0) {
-    print_line("unable to allocate air double packing array ");
+  if (!packing_counts_fit(n_ints, n_doubles, n_chars,
+                          "unable to allocate bobbing box character packing arrays ",
+                          "unable to allocate air integer packing array ",
+                          "unable to allocate air double packing array ")) {
     return 0;
   }
   if (!TCObject_input::pack(ints, int_bytes, doubles, double_bytes, chars, char_bytes)) {
@@ -245,38 +185,22 @@ int Thermal_box_input::unpack_thermal_part(const int* ints, int int_bytes, const
   packing_sizes(n_ints, n_doubles, n_chars);
   int base_ints = 0, base_doubles = 0, base_chars = 0;
   TCObject_input::packing_sizes(base_ints, base_doubles, base_chars);
-  if (n_ints < base_ints + fixed_ints || int_bytes != n_ints * static_cast<int>(sizeof(int))) {
-    print_line("packing integer array of the wrong size ");
-    return 0;
-  }
-  if (n_doubles < 0 || double_bytes != n_doubles * static_cast<int>(sizeof(double))) {
-    print_line("packing double array of the wrong size ");
-    return 0;
-  }
-  if (n_chars < 0 || char_bytes != n_chars) {
-    print_line("packing char array of the wrong size ");
+  if (!packed_numbers_fit(n_ints, base_ints + fixed_ints, int_bytes, n_doubles, 0, double_bytes) ||
+      !packed_chars_fit(n_chars, char_bytes)) {
     return 0;
   }
   // The count in the array must be the one the sizes were worked out from.
   const int* p = ints + base_ints;
   const int count = p[at_n_bands];
-  if (count < 0 || count != packed_band_count()) {
-    print_line("packing integer array of the wrong size ");
-    return 0;
-  }
+  if (count < 0 || count != packed_band_count()) return packed_ints_wrong();
 
-  const int size = count > 0 ? count : 1;
-  double* new_radiance = new (std::nothrow) double[size]();
-  double* new_absorption = new (std::nothrow) double[size]();
-  if (new_radiance == nullptr || new_absorption == nullptr) {
-    delete[] new_radiance;
-    delete[] new_absorption;
+  double* lists[2];
+  if (!new_band_lists(count, lists, 2)) {
     print_line("unable to allocate reflectity array in unpack ");
     return 0;
   }
   if (!TCObject_input::unpack(ints, int_bytes, doubles, double_bytes, chars, char_bytes)) {
-    delete[] new_radiance;
-    delete[] new_absorption;
+    delete_band_lists(lists, 2);
     print_line("unable to unpack object part of camera ");
     return 0;
   }
@@ -286,13 +210,9 @@ int Thermal_box_input::unpack_thermal_part(const int* ints, int int_bytes, const
   length = TCVector(d[0], d[1], d[2]);
   d += fixed_doubles;
   for (int i = 0; i < count; i++) unpacked.band_id[i] = p[fixed_ints + i];
-  for (int i = 0; i < count; i++) new_radiance[i] = *d++;
-  for (int i = 0; i < count; i++) new_absorption[i] = *d++;
+  for (int i = 0; i < count; i++) lists[0][i] = *d++;
+  for (int i = 0; i < count; i++) lists[1][i] = *d++;
   band_ids = unpacked;
-  delete[] radiance;
-  delete[] absorption;
-  radiance = new_radiance;
-  absorption = new_absorption;
-  number_of_bands = count;
+  keep_bands(count, lists[0], lists[1]);
   return 1;
 }

@@ -54,6 +54,8 @@ class Thermal_box_input : public box_input {
   double* absorption;  // per metre
 
  private:
+  // Takes the two arrays of count bands in place of the record's own.
+  void keep_bands(int count, double* new_radiance, double* new_absorption);
   int packed_band_count() const { return has_received_counts_ ? received_bands_ : number_of_bands; }
   int unpack_thermal_part(const int* ints, int int_bytes, const double* doubles, int double_bytes,
                           const char* chars, int char_bytes);

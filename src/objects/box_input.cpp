@@ -1,16 +1,7 @@
 #include "box_input.h"
 
-#include <new>
-#include <string>
-
 #include "TCData_file.h"
-
-namespace {
-
-// Entries a growing list makes room for before any has arrived.
-const int first_capacity = 16;
-
-}  // namespace
+#include "TCValue_lists.h"
 
 box_input::box_input() : length(1.0, 1.0, 1.0) {}
 
@@ -33,48 +24,28 @@ void box_input::write_lengths(std::ostream& out) const {
   out << "length_z:  " << length.z << "\n";
 }
 
-int* box_input::read_int_list(std::istream& in, int count) {
-  if (count < 0) return nullptr;
-  int capacity = count < first_capacity ? count : first_capacity;
-  int* values = new (std::nothrow) int[capacity > 0 ? capacity : 1]();
-  int n_read = 0;
-  while (values != nullptr && n_read < count) {
-    if (n_read == capacity) {
-      const int new_capacity = capacity > count / 2 ? count : 2 * capacity;
-      int* more = new (std::nothrow) int[new_capacity]();
-      if (more == nullptr) break;
-      for (int i = 0; i < n_read; i++) more[i] = values[i];
-      delete[] values;
-      values = more;
-      capacity = new_capacity;
-    }
-    if (!read_int(in, values[n_read])) break;
-    n_read++;
+int box_input::read_band_lists(std::istream& in, const char* failure_words, int& count, int*& ids,
+                               double** lists, int n_lists) {
+  for (int i = 0; i < n_lists; i++) lists[i] = nullptr;
+  // The ids come first, so that storage for the count is only made once the
+  // stream has shown that it holds that many values.
+  if (!read_counted_ints(in, most_bands, count, ids)) {
+    std::cout << failure_words << "\n";
+    return 0;
   }
-  if (n_read < count) {
-    delete[] values;
-    return nullptr;
+  if (ids == nullptr) return 1;
+  if (!new_band_lists(count, lists, n_lists)) {
+    std::cout << failure_words << " "
+              << "\n";
+    delete[] ids;
+    ids = nullptr;
+    return 0;
   }
-  return values;
-}
-
-void box_input::read_doubles(std::istream& in, double* target, int count) {
-  for (int i = 0; i < count; i++) {
-    if (!read_double(in, target[i])) return;
+  for (int i = 0; i < n_lists; i++) {
+    skip_token(in);
+    read_doubles(in, lists[i], count);
   }
-}
-
-int box_input::end_read(std::istream& in, const char* message) {
-  const bool read_failed = in.fail();
-  in.clear();
-  std::string token;
-  in >> token;
-  if (!read_failed && token == "end") return 1;
-  // No blank between the word and "instead": the words have always run together.
-  std::cout << message << "\n"
-            << "read " << token << "instead of end"
-            << "\n";
-  return 0;
+  return 1;
 }
 
 void box_input::write_list(std::ostream& out, const char* keyword, const int* values, int count) {

@@ -1,6 +1,7 @@
 #ifndef TC_BOX_INPUT_H
 #define TC_BOX_INPUT_H
 
+#include <climits>
 #include <iostream>
 
 #include "TCObject_input.h"
@@ -29,16 +30,15 @@ class box_input : public TCObject_input {
   TCVector length;  // metres, along the object's x, y, z
 
  protected:
-  // Helpers of the box readers.
-  // count ints into a new array, grown as they arrive, so that a count the
-  // stream cannot back costs no memory. Null unless all count were read (or
-  // memory ran out); the caller owns the array.
-  static int* read_int_list(std::istream& in, int count);
-  // Up to count doubles, stopping at the first that fails.
-  static void read_doubles(std::istream& in, double* target, int count);
-  // The closing word: anything but "end", or a read that failed before it,
-  // prints message, a new line and "read <word>instead of end", and gives 0.
-  static int end_read(std::istream& in, const char* message);
+  // The most bands whose packed bytes still fit an int.
+  static const int most_bands = INT_MAX / 8;
+  // The band count, the ids, then n_lists lists of per-band values, each
+  // after a keyword, into new arrays the caller owns; all null unless every
+  // id was read. 0, printing failure_words (with a blank after them when
+  // memory ran out) and keeping nothing, for a count out of range or when
+  // memory runs out.
+  static int read_band_lists(std::istream& in, const char* failure_words, int& count, int*& ids,
+                             double** lists, int n_lists);
   // A list line: the keyword, then " value" per entry, then a new line.
   static void write_list(std::ostream& out, const char* keyword, const int* values, int count);
   static void write_list(std::ostream& out, const char* keyword, const double* values, int count);

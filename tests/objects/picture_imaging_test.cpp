@@ -20,7 +20,9 @@
 #include "TCSkydome.h"
 #include "TCSpectrum.h"
 #include "TCView.h"
+#include "band_planes.h"
 #include "object_contour.h"
+#include "scratch_folder.h"
 #include "stream_capture.h"
 #include "texture_test_pictures.h"
 
@@ -43,45 +45,6 @@
 // and nothing else.
 
 namespace {
-
-class Scratch_folder {
- public:
-  Scratch_folder() {
-    char pattern[] = "/tmp/tc_picture_XXXXXX";
-    const char* made = mkdtemp(pattern);
-    path_ = made ? made : "";
-  }
-  ~Scratch_folder() {
-    std::error_code ignored;
-    if (!path_.empty()) std::filesystem::remove_all(path_, ignored);
-  }
-  std::string file(const std::string& name) const { return path_ + "/" + name; }
-
- private:
-  std::string path_;
-};
-
-// A picture of n_x by n_y pixels whose every pixel holds value[b] in band b.
-void write_uniform_picture(const std::string& name, int n_x, int n_y,
-                           const std::vector<unsigned char>& value) {
-  std::vector<unsigned char> bytes;
-  for (unsigned char v : value)
-    for (int k = 0; k < n_x * n_y; k++) bytes.push_back(v);
-  write_sgi_bytes(name, n_x, n_y, static_cast<int>(value.size()), bytes);
-}
-
-struct Planes {
-  Planes(int bands, int pixels) : n(bands) {
-    planes = new float*[bands];
-    for (int b = 0; b < bands; b++) planes[b] = new float[pixels]();
-  }
-  ~Planes() {
-    for (int b = 0; b < n; b++) delete[] planes[b];
-    delete[] planes;
-  }
-  int n;
-  float** planes;
-};
 
 double expected_coverage(int row, int col) {
   const double along_rows[8] = {0, 0, 0.5, 1, 1, 0.5, 0, 0};

@@ -11,26 +11,10 @@
 
 #include "TCData_file.h"
 #include "TCObject_kinds.h"
+#include "scratch_folder.h"
 #include "stream_capture.h"
 
 namespace {
-
-class Scratch_folder {
- public:
-  Scratch_folder() {
-    char pattern[] = "/tmp/tc_picture_input_XXXXXX";
-    const char* made = mkdtemp(pattern);
-    path_ = made ? made : "";
-  }
-  ~Scratch_folder() {
-    std::error_code ignored;
-    if (!path_.empty()) std::filesystem::remove_all(path_, ignored);
-  }
-  std::string file(const std::string& name) const { return path_ + "/" + name; }
-
- private:
-  std::string path_;
-};
 
 int read_text(Picture_input& picture, const std::string& text, std::string& printed) {
   std::istringstream in(text);

@@ -12,26 +12,10 @@
 #include "TCConstants.h"
 #include "TCData_file.h"
 #include "TCObject_kinds.h"
+#include "scratch_folder.h"
 #include "stream_capture.h"
 
 namespace {
-
-class Scratch_folder {
- public:
-  Scratch_folder() {
-    char pattern[] = "/tmp/tc_skydome_input_XXXXXX";
-    const char* made = mkdtemp(pattern);
-    path_ = made ? made : "";
-  }
-  ~Scratch_folder() {
-    std::error_code ignored;
-    if (!path_.empty()) std::filesystem::remove_all(path_, ignored);
-  }
-  std::string file(const std::string& name) const { return path_ + "/" + name; }
-
- private:
-  std::string path_;
-};
 
 int read_text(Skydome_input& dome, const std::string& text, std::string& printed) {
   std::istringstream in(text);

@@ -56,4 +56,13 @@ inline std::string write_pattern_picture(const std::string& stem, int n_x, int n
   return name;
 }
 
+// A picture of n_x by n_y pixels whose every pixel holds value[b] in band b.
+inline void write_uniform_picture(const std::string& name, int n_x, int n_y,
+                                  const std::vector<unsigned char>& value) {
+  std::vector<unsigned char> bytes;
+  for (unsigned char v : value)
+    for (int k = 0; k < n_x * n_y; k++) bytes.push_back(v);
+  write_sgi_bytes(name, n_x, n_y, static_cast<int>(value.size()), bytes);
+}
+
 #endif
