@@ -262,21 +262,14 @@ void TCStar_input::set_sizes_from_packed(const int* ints, const double* doubles,
 int TCStar_input::pack(int*& ints, int& int_bytes, double*& doubles, int& double_bytes,
                        char*& chars, int& char_bytes) {
   has_received_counts_ = 0;
-  int n_ints = 0, n_doubles = 0, n_chars = 0;
-  packing_sizes(n_ints, n_doubles, n_chars);
-  if (!packing_counts_fit(n_ints, n_doubles, n_chars,
-                          "unable to allocate star character packing array ",
-                          "unable to allocate star integer packing array ",
-                          "unable to allocate star double packing array ")) {
-    return 0;
-  }
-  if (!TCObject_input::pack(ints, int_bytes, doubles, double_bytes, chars, char_bytes)) {
-    std::cout << "unable to pack object part of star "
-              << "\n";
-    return 0;
-  }
   int base_ints = 0, base_doubles = 0, base_chars = 0;
-  TCObject_input::packing_sizes(base_ints, base_doubles, base_chars);
+  if (!pack_root_part(ints, int_bytes, doubles, double_bytes, chars, char_bytes,
+                      "unable to allocate star character packing array ",
+                      "unable to allocate star integer packing array ",
+                      "unable to allocate star double packing array ",
+                      "unable to pack object part of star ", base_ints, base_doubles, base_chars)) {
+    return 0;
+  }
   const int n_bands = irradiance.n;
   const int n_keys = stored_keys(track);
 

@@ -244,6 +244,24 @@ int TCObject_input::packing_counts_fit(int n_ints, int n_doubles, int n_chars,
   return 0;
 }
 
+int TCObject_input::pack_root_part(int*& ints, int& int_bytes, double*& doubles, int& double_bytes,
+                                   char*& chars, int& char_bytes, const char* char_message,
+                                   const char* int_message, const char* double_message,
+                                   const char* root_failure, int& base_ints, int& base_doubles,
+                                   int& base_chars) {
+  int n_ints = 0, n_doubles = 0, n_chars = 0;
+  packing_sizes(n_ints, n_doubles, n_chars);
+  if (!packing_counts_fit(n_ints, n_doubles, n_chars, char_message, int_message, double_message)) {
+    return 0;
+  }
+  if (!TCObject_input::pack(ints, int_bytes, doubles, double_bytes, chars, char_bytes)) {
+    std::cout << root_failure << "\n";
+    return 0;
+  }
+  TCObject_input::packing_sizes(base_ints, base_doubles, base_chars);
+  return 1;
+}
+
 int TCObject_input::packed_numbers_fit(int n_ints, int least_ints, int int_bytes, int n_doubles,
                                        int least_doubles, int double_bytes) {
   if (n_ints < least_ints || int_bytes != n_ints * static_cast<int>(sizeof(int))) {

@@ -66,6 +66,14 @@ class TCObject_input {
   // is -1 prints its message, and gives 0.
   static int packing_counts_fit(int n_ints, int n_doubles, int n_chars, const char* char_message,
                                 const char* int_message, const char* double_message);
+  // The common start of a record's pack: the whole record's counts (through
+  // packing_sizes) checked with the three messages, the arrays made and the
+  // root part packed, root_failure printed if that fails. Gives where the
+  // record's own part starts in each array; 0 after a message.
+  int pack_root_part(int*& ints, int& int_bytes, double*& doubles, int& double_bytes, char*& chars,
+                     int& char_bytes, const char* char_message, const char* int_message,
+                     const char* double_message, const char* root_failure, int& base_ints,
+                     int& base_doubles, int& base_chars);
   // unpack's byte checks against the counts packing_sizes gives, each count
   // at least its least; prints the first array of the wrong size and gives 0.
   static int packed_numbers_fit(int n_ints, int least_ints, int int_bytes, int n_doubles,

@@ -142,21 +142,16 @@ void Thermal_box_input::set_sizes_from_packed(const int* ints, const double* dou
 int Thermal_box_input::pack(int*& ints, int& int_bytes, double*& doubles, int& double_bytes,
                             char*& chars, int& char_bytes) {
   has_received_counts_ = 0;
-  int n_ints = 0, n_doubles = 0, n_chars = 0;
-  packing_sizes(n_ints, n_doubles, n_chars);
   // The words of other kinds of record, as they have always been printed.
-  if (!packing_counts_fit(n_ints, n_doubles, n_chars,
-                          "unable to allocate bobbing box character packing arrays ",
-                          "unable to allocate air integer packing array ",
-                          "unable to allocate air double packing array ")) {
-    return 0;
-  }
-  if (!TCObject_input::pack(ints, int_bytes, doubles, double_bytes, chars, char_bytes)) {
-    print_line("unable to pack object part of camera ");
-    return 0;
-  }
   int base_ints = 0, base_doubles = 0, base_chars = 0;
-  TCObject_input::packing_sizes(base_ints, base_doubles, base_chars);
+  if (!pack_root_part(ints, int_bytes, doubles, double_bytes, chars, char_bytes,
+                      "unable to allocate bobbing box character packing arrays ",
+                      "unable to allocate air integer packing array ",
+                      "unable to allocate air double packing array ",
+                      "unable to pack object part of camera ", base_ints, base_doubles,
+                      base_chars)) {
+    return 0;
+  }
   int* p = ints + base_ints;
   p[at_n_bands] = number_of_bands;
   for (int i = 0; i < number_of_bands; i++) p[fixed_ints + i] = band_ids.band_id[i];
