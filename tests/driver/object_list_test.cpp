@@ -1,12 +1,16 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <sstream>
 #include <string>
 
 #include "TCBand.h"
+#include "TCCamera.h"
+#include "TCCamera_input.h"
 #include "TCObject_kinds.h"
 #include "TCObject_list.h"
 #include "TCRay.h"
+#include "TCStar.h"
 #include "TCVector.h"
 #include "object_list_test_objects.h"
 #include "stream_capture.h"
@@ -444,6 +448,45 @@ TEST(ObjectListFrameData, PrintAllPrintsEachObjectsStateInOrder) {
   EXPECT_EQ(printed.str(), expected.str());
   EXPECT_EQ(printed.str().find("first\n"), 0u);
   EXPECT_NE(printed.str().find("second\n"), std::string::npos);
+}
+
+TEST(ObjectListFrameData, PrintAllPrintsTheSunFirstAndTheCamerasLast) {
+  TCObject_list list;
+  Test_slab* a = box_at(1.0, 0.0, 1.0);
+  a->set_name("only");
+  list.add_runtime_object(a);
+  list.sun = new TCStar();
+  list.sun->set_angles(0.5, 1.0);
+
+  TCCamera_input input;
+  input.n_pixel_elevation = 2;
+  input.n_pixel_azimuth = 2;
+  input.fov_elevation = 10.0;
+  input.fov_azimuth = 10.0;
+  input.last_elevation = 1;
+  input.last_azimuth = 1;
+  input.n_sub_elevation = 1;
+  input.n_sub_azimuth = 1;
+  input.image_slices = 1;
+  std::copy_n("eye.cam", 8, input.object_file);
+  {
+    Stream_capture quiet(std::cout);
+    list.cameras[0] = new TCCamera(input, &list);
+  }
+  list.n_cameras = 1;
+
+  std::ostringstream expected;
+  expected << "  ";
+  list.sun->print_state(expected);
+  a->print_state(expected);
+  expected << "Camera 1\n";
+  list.cameras[0]->print_state(expected);
+  std::ostringstream printed;
+  list.print_all(printed);
+  EXPECT_EQ(printed.str(), expected.str());
+  EXPECT_EQ(printed.str().find("  sun "), 0u) << printed.str();
+  EXPECT_NE(printed.str().find("only\n"), std::string::npos);
+  EXPECT_NE(printed.str().find("Camera 1\neye\n"), std::string::npos) << printed.str();
 }
 
 TEST(ObjectListFrameData, PrintingAnEmptyListPrintsNothing) {
