@@ -54,8 +54,9 @@ const Word_code disturbance_words[] = {
     {"yes", ocean_disturbance_grid},
     {"no", ocean_disturbance_none},
     {"deform", ocean_disturbance_deform},
-    {"reflect", ocean_disturbance_reflect},
+    // The writer gives the first word of a code: "reflect" is read only.
     {"reflect_object", ocean_disturbance_reflect},
+    {"reflect", ocean_disturbance_reflect},
     {"reflect_wall", ocean_disturbance_reflect_wall},
     {"ripple", ocean_disturbance_ripple},
     {"swell", ocean_disturbance_swell},

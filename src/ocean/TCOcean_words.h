@@ -39,7 +39,7 @@ const int ocean_disturbance_boat = -9;
 // "multiplier_grid" -8, "boat" -9; anything else prints "illegal ocean type "
 // and the word, and gives 0.
 int ocean_disturbance_type_code(const char* word);
-// -1 is written "reflect", the first of its two words.
+// -1 is written "reflect_object"; "reflect" is accepted only on reading.
 const char* ocean_disturbance_type_word(int code);
 
 // "external_exact:": exact rays to the objects around the surface.

@@ -77,10 +77,17 @@ TEST(OceanWords, DisturbanceWordsAndTheirCodes) {
                        {"multiplier_grid", -8},
                        {"boat", -9}};
   expect_words_read(ocean_disturbance_type_code, read, 12);
-  const Pair written[] = {
-      {"yes", 1},     {"no", 0},     {"reflect", -1}, {"deform", -2},      {"reflect_wall", -3},
-      {"ripple", -4}, {"swell", -5}, {"wake", -6},    {"height_grid", -7}, {"multiplier_grid", -8},
-      {"boat", -9}};
+  const Pair written[] = {{"yes", 1},
+                          {"no", 0},
+                          {"reflect_object", -1},
+                          {"deform", -2},
+                          {"reflect_wall", -3},
+                          {"ripple", -4},
+                          {"swell", -5},
+                          {"wake", -6},
+                          {"height_grid", -7},
+                          {"multiplier_grid", -8},
+                          {"boat", -9}};
   expect_codes_written(ocean_disturbance_type_word, written, 11);
   EXPECT_EQ(nullptr, ocean_disturbance_type_word(-10));
   EXPECT_EQ(nullptr, ocean_disturbance_type_word(2));

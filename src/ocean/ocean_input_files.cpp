@@ -1,0 +1,337 @@
+// The three side files of the ocean file: variable wind, glitter sharpening
+// and whitecaps.
+#include <fstream>
+#include <new>
+#include <string>
+
+#include "TCData_file.h"
+#include "TCOcean_words.h"
+#include "TCValue_lists.h"
+#include "ocean_input.h"
+
+namespace {
+
+const int text_block = 256;
+const int whitecap_file_version = 2;
+
+const int rows_read = 1;
+const int rows_cut_short = 0;
+const int rows_out_of_memory = -1;
+
+// count rows of n_columns doubles into new arrays (columns[j], each of count
+// entries) that grow as rows arrive, so a wild count in a short file costs
+// nothing. On anything but rows_read every column is null.
+int read_rows(std::istream& in, int count, int n_columns, double** columns) {
+  int capacity = first_capacity(count);
+  int outcome = rows_read;
+  for (int j = 0; j < n_columns; j++) {
+    columns[j] = new (std::nothrow) double[capacity > 0 ? capacity : 1]();
+    if (columns[j] == nullptr) outcome = rows_out_of_memory;
+  }
+  for (int row = 0; outcome == rows_read && row < count; row++) {
+    if (row == capacity) {
+      const int new_capacity = next_capacity(capacity, count);
+      for (int j = 0; j < n_columns && outcome == rows_read; j++) {
+        double* more = grown(columns[j], row, new_capacity);
+        if (more == nullptr) {
+          outcome = rows_out_of_memory;
+          break;
+        }
+        delete[] columns[j];
+        columns[j] = more;
+      }
+      capacity = new_capacity;
+    }
+    for (int j = 0; j < n_columns && outcome == rows_read; j++) {
+      if (!read_double(in, columns[j][row])) outcome = rows_cut_short;
+    }
+  }
+  if (outcome != rows_read) delete_band_lists(columns, n_columns);
+  return outcome;
+}
+
+void replace(double*& target, double* values) {
+  delete[] target;
+  target = values;
+}
+
+std::string read_word(std::istream& in) {
+  std::string word;
+  in >> word;
+  return word;
+}
+
+void read_pair(std::istream& in, double& first, double& second) {
+  skip_token(in);
+  read_double(in, first);
+  read_double(in, second);
+}
+
+// The generation modes that name the full state file, and those that name
+// the per-frame files.
+int names_state_file(int mode) {
+  return mode == whitecap_generation_input || mode == whitecap_generation_output ||
+         mode == whitecap_generation_input_initial_output_by_frames;
+}
+
+int names_frame_file(int mode) {
+  return mode == whitecap_generation_input_initial_output_by_frames ||
+         mode == whitecap_generation_input_by_frames ||
+         mode == whitecap_generation_output_by_frames;
+}
+
+}  // namespace
+
+// ---- Variable wind ----
+
+int ocean_input::read_variable_wind(const char* name) {
+  std::ifstream in;
+  if (!open_input_file(in, name, "Error reading variable wind  file ")) return 0;
+  skip_token(in);
+  int count = 0;
+  read_int(in, count);
+  if (count < 1) {
+    std::cout << "number of variable wind values must be postive "
+              << "\n";
+    return 0;
+  }
+  for (int i = 0; i < 3; i++) skip_token(in);  // "time", "speed", "direction"
+  double* columns[3];
+  const int outcome = read_rows(in, count, 3, columns);
+  if (outcome == rows_out_of_memory) {
+    std::cout << "unable to allocate variable wind array "
+              << "\n";
+    return 0;
+  }
+  if (outcome != rows_read) return 0;  // cut short: the ocean reports the file
+  for (int i = 0; i < count; i++) columns[2][i] = radians_from_file(columns[2][i]);
+  replace(wind_time, columns[0]);
+  replace(wind_speed, columns[1]);
+  replace(wind_direction_series, columns[2]);
+  n_wind_values = count;
+  return 1;
+}
+
+int ocean_input::write_variable_wind(const char* name) const {
+  std::ofstream out;
+  if (!open_output_file(out, name, "unable to open variable wind file ")) return 0;
+  set_file_precision(out);
+  out << "number_of_times:  " << n_wind_values << "\n";
+  out << "time      speed      direction "
+      << "\n";
+  for (int i = 0; i < n_wind_values; i++) {
+    out << wind_time[i] << "  " << wind_speed[i] << "  "
+        << degrees_for_file(wind_direction_series[i]) << "\n";
+  }
+  return out.flush() ? 1 : 0;
+}
+
+// ---- Sharpening ----
+
+int ocean_input::read_sharpening(const char* name) {
+  std::ifstream in;
+  if (!open_input_file(in, name, "Error reading sharpening file ")) return 0;
+  skip_token(in);
+  int count = 0;
+  read_int(in, count);
+  if (count < 1) {
+    std::cout << "number of sharpening angles must be postive "
+              << "\n";
+    return 0;
+  }
+  skip_token(in);  // "angle"
+  skip_token(in);  // "sharpness"
+  double* columns[2];
+  const int outcome = read_rows(in, count, 2, columns);
+  if (outcome == rows_out_of_memory) {
+    std::cout << "unable to allocate glitter sharpening array "
+              << "\n";
+    return 0;
+  }
+  if (outcome != rows_read) return 0;
+  for (int i = 0; i < count; i++) columns[0][i] = radians_from_file(columns[0][i]);
+  replace(sharpening_angle, columns[0]);
+  replace(sharpening_value, columns[1]);
+  n_sharpening_angles = count;
+  return 1;
+}
+
+int ocean_input::write_sharpening(const char* name) const {
+  std::ofstream out;
+  if (!open_output_file(out, name, "unable to open sharpening file ")) return 0;
+  set_file_precision(out);
+  out << "number_of_angles:  " << n_sharpening_angles << "\n";
+  out << "angle      sharpness "
+      << "\n";
+  for (int i = 0; i < n_sharpening_angles; i++) {
+    out << degrees_for_file(sharpening_angle[i]) << "  " << sharpening_value[i] << "\n";
+  }
+  return out.flush() ? 1 : 0;
+}
+
+// ---- Whitecaps ----
+
+int ocean_input::read_whitecaps(const char* name) {
+  std::ifstream in;
+  if (!open_input_file(in, name, "unable to open whitecap file ")) return 0;
+  return read_whitecap_stream(in, name);
+}
+
+int ocean_input::read_whitecap_stream(std::istream& in, const char* name) {
+  const int version = check_header(in, "whitecaps", whitecap_file_version);
+  if (version == 0) {
+    std::cout << "whitecap data file " << (name ? name : "") << " not of correct type"
+              << "\n";
+    return 0;
+  }
+  skip_token(in);  // "sampling_region"
+  read_pair(in, whitecap_center_x, whitecap_center_y);
+  read_pair(in, whitecap_length_x, whitecap_length_y);
+  read_pair(in, whitecap_interval_x, whitecap_interval_y);
+  skip_token(in);
+  read_double(in, whitecap_max_distance);
+  skip_token(in);
+  read_double(in, whitecap_reference_time);
+  skip_token(in);
+  read_double(in, whitecap_time_increment);
+  skip_token(in);
+  read_double(in, whitecap_initialization_time);
+  if (version >= 2) {
+    skip_token(in);
+    read_double(in, whitecap_initialization_increment);
+    skip_token(in);
+    read_double(in, whitecap_formation_time);
+  } else {
+    // The spin-up steps as the run does, and foam appears at once.
+    whitecap_initialization_increment = whitecap_time_increment;
+    whitecap_formation_time = 0.0;
+  }
+  skip_token(in);
+  read_double(in, whitecap_decay_time);
+  read_pair(in, acceleration_threshold_low, acceleration_threshold_high);
+  read_pair(in, whitecap_reflectivity_low, whitecap_reflectivity_high);
+  skip_token(in);
+  read_double(in, smear_x);
+  read_double(in, smear_y);
+  read_double(in, smear_t);
+  skip_token(in);
+  read_double(in, acceleration_time_offset);
+
+  whitecap_generation = whitecap_generation_none;
+  if (version >= 2) {
+    skip_token(in);
+    whitecap_generation = whitecap_generation_code(read_word(in).c_str());
+    if (names_state_file(whitecap_generation)) {
+      skip_token(in);
+      read_token(in, initial_state_file, text_block);
+    }
+    if (names_frame_file(whitecap_generation)) {
+      skip_token(in);
+      read_token(in, frame_file, text_block);
+    }
+  }
+
+  skip_token(in);
+  fluctuation_mode = whitecap_fluctuations_code(read_word(in).c_str());
+  if (fluctuation_mode == whitecap_fluctuations_lattice) {
+    if (!read_fluctuations(in)) {
+      std::cout << "unable to read in small scale fluctuation parameters of whitecap"
+                << "\n";
+      return 0;
+    }
+  } else if (fluctuation_mode == whitecap_fluctuations_texture) {
+    if (!whitecap_textures.process_texture_grid_input(in)) {
+      std::cout << "unable to process whitecap texture maps "
+                << "\n";
+      return 0;
+    }
+  }
+
+  skip_token(in);  // "diffusion:" and its word mean nothing
+  skip_token(in);
+  std::string word;
+  if (read_end_word(in, word)) return 1;
+  std::cout << "problem reading whitecap file"
+            << "\n"
+            << " expected to read end, read " << word << " instead "
+            << "\n";
+  return 0;
+}
+
+int ocean_input::read_fluctuations(std::istream& in) {
+  skip_token(in);
+  read_int(in, fluctuation_n_x);
+  read_int(in, fluctuation_n_y);
+  read_pair(in, fluctuation_dx, fluctuation_dy);
+  skip_token(in);
+  read_int(in, fluctuation_seed);
+  skip_token(in);
+  read_double(in, fluctuation_length_scale);
+  skip_token(in);
+  read_double(in, fluctuation_power_law);
+  skip_token(in);
+  read_double(in, fluctuation_time_scale);
+  skip_token(in);
+  read_double(in, fluctuation_log_normal_width);
+  std::string word;
+  return read_end_word(in, word);
+}
+
+int ocean_input::write_whitecaps(const char* name) const {
+  std::ofstream out;
+  if (!open_output_file(out, name, "unable to open ocean whitecap output file ")) return 0;
+  return write_whitecap_stream(out) && out.flush() ? 1 : 0;
+}
+
+int ocean_input::write_whitecap_stream(std::ostream& out) const {
+  set_file_precision(out);
+  write_header(out, "whitecaps", whitecap_file_version);
+  out << "sampling_region"
+      << "\n";
+  out << "center: " << whitecap_center_x << " " << whitecap_center_y << "\n";
+  out << "length: " << whitecap_length_x << " " << whitecap_length_y << "\n";
+  out << "interval: " << whitecap_interval_x << " " << whitecap_interval_y << "\n";
+  out << "max_distance: " << whitecap_max_distance << "\n";
+  out << "reference_time: " << whitecap_reference_time << "\n";
+  out << "time_increment: " << whitecap_time_increment << "\n";
+  out << "initialization_time: " << whitecap_initialization_time << "\n";
+  out << "initialization_increment: " << whitecap_initialization_increment << "\n";
+  out << "formation_time:  " << whitecap_formation_time << "\n";
+  out << "whitecap_decay_time: " << whitecap_decay_time << "\n";
+  out << "acceleration_thresholds: " << acceleration_threshold_low << " "
+      << acceleration_threshold_high << "\n";
+  out << "reflectivities:  " << whitecap_reflectivity_low << " " << whitecap_reflectivity_high
+      << "\n";
+  out << "smearing_scales: " << smear_x << " " << smear_y << " " << smear_t << "\n";
+  out << "acceleration_time_offset: " << acceleration_time_offset << "\n";
+
+  // A mode with no word is written as none, and names no files.
+  const char* generation = whitecap_generation_word(whitecap_generation);
+  const int mode = generation != nullptr ? whitecap_generation : whitecap_generation_none;
+  out << "whitecap_generation: " << (generation != nullptr ? generation : "no") << "\n";
+  if (names_state_file(mode)) out << "initial_state_file: " << initial_state_file << "\n";
+  if (names_frame_file(mode)) out << "frame_file: " << frame_file << "\n";
+
+  const char* fluctuations = whitecap_fluctuations_word(fluctuation_mode);
+  const int fluctuation = fluctuations != nullptr ? fluctuation_mode : whitecap_fluctuations_none;
+  out << "small_scale_fluctuations: " << (fluctuations != nullptr ? fluctuations : "no") << "\n";
+  if (fluctuation == whitecap_fluctuations_lattice) {
+    out << "lattice_size: " << fluctuation_n_x << " " << fluctuation_n_y << "\n";
+    out << "lattice_spacing: " << fluctuation_dx << " " << fluctuation_dy << "\n";
+    out << "random_seed: " << fluctuation_seed << "\n";
+    out << "length_scale: " << fluctuation_length_scale << "\n";
+    out << "power_law: " << fluctuation_power_law << "\n";
+    out << "time_scale: " << fluctuation_time_scale << "\n";
+    out << "log_normal_width: " << fluctuation_log_normal_width << "\n";
+    out << "end "
+        << "\n";
+  } else if (fluctuation == whitecap_fluctuations_texture) {
+    if (!whitecap_textures.print_texture_grid_input(out)) return 0;
+    set_file_precision(out);
+  }
+  out << "diffusion:  no "
+      << "\n";
+  out << "end "
+      << "\n";
+  return out ? 1 : 0;
+}
