@@ -8,6 +8,8 @@
 #include "Picture_input.h"
 #include "Skydome_input.h"
 #include "Solid_box_input.h"
+#include "TCAir.h"
+#include "TCAir_input.h"
 #include "TCBobbing_box.h"
 #include "TCCamera.h"
 #include "TCCamera_input.h"
@@ -531,6 +533,8 @@ void TCObject_list::print_all(std::ostream& out) {
 static TCObject* make_runtime_object(TCObject_input& record, int& known) {
   known = 1;
   switch (record.type_code) {
+    case TC_KIND_AIR:
+      return new (std::nothrow) TCAir(static_cast<const TCAir_input&>(record));
     case TC_KIND_SOLID_BOX:
       return new (std::nothrow) TCSolid_Box(static_cast<const Solid_box_input&>(record));
     case TC_KIND_THERMAL_BOX:

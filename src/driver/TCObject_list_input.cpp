@@ -7,12 +7,14 @@
 #include "Picture_input.h"
 #include "Skydome_input.h"
 #include "Solid_box_input.h"
+#include "TCAir_input.h"
 #include "TCCamera_input.h"
 #include "TCData_file.h"
 #include "TCObject_input.h"
 #include "TCObject_kinds.h"
 #include "TCStar_input.h"
 #include "Thermal_box_input.h"
+#include "ocean_input.h"
 
 namespace {
 
@@ -115,10 +117,16 @@ TCObject_input* TCObject_list_input::new_object_record(int type_code, Record_sta
     case TC_KIND_PICTURE:
       record = new (std::nothrow) Picture_input;
       break;
+    case TC_KIND_OCEAN:
+      record = new (std::nothrow) ocean_input;
+      break;
+    case TC_KIND_AIR:
+      record = new (std::nothrow) TCAir_input;
+      break;
 
       // Kinds with records of their own come here as their classes are added:
-      // cloud 1, land 2, air 7, spray 8, blob 10, ocean 13, poly 19. Caustic 15
-      // and code 12 never get one.
+      // cloud 1, land 2, spray 8, blob 10, poly 19. Caustic 15 and code
+      // 12 never get one.
 
     default:
       status = (type_code >= first_object_code && type_code <= last_object_code)

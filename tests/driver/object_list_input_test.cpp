@@ -239,9 +239,13 @@ TEST(ObjectListInputObjects, KindsWithoutRecordsAreReportedByCode) {
     const char* word;
     int code;
   };
-  const Kind kinds[] = {{"cloud", 1},    {"land", 2},  {"air", 7},
-                        {"spray", 8},    {"blob", 10}, {"ocean", 13},
-                        {"caustic", 15}, {"poly", 19}, {"bobbing_camera", 254},
+  const Kind kinds[] = {{"cloud", 1},
+                        {"land", 2},
+                        {"spray", 8},
+                        {"blob", 10},
+                        {"caustic", 15},
+                        {"poly", 19},
+                        {"bobbing_camera", 254},
                         {"camera", 255}};
   for (const Kind& kind : kinds) {
     TCObject_list_input list;
