@@ -7,12 +7,12 @@ SAN_BUILD ?= build-sanitize
 FUZZ_BUILD ?= build-fuzz
 BENCH_BUILD ?= build-bench
 FUZZ_SECONDS ?= 60
-EXAMPLE ?= lanterns_at_dusk
+EXAMPLE ?= all
 
 .PHONY: demo check deps build build-sanitize test test-sanitize fuzz fuzz-build fuzz-smoke format format-check bench
 
-# Builds only the engine and the viewer, renders examples/$(EXAMPLE) into
-# out/$(EXAMPLE)/ and writes PNG previews there.
+# Builds only the engine and the viewer, renders examples/$(EXAMPLE) (every
+# example when not given) into out/<example>/ and writes PNG previews there.
 demo: deps
 	JOBS=$(JOBS) ./scripts/demo $(BUILD) $(EXAMPLE)
 
