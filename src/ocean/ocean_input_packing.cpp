@@ -393,9 +393,19 @@ int ocean_input::unpack_ocean_part(const int* ints, int int_bytes, const double*
   for (int i = at_records; i < packed_counts; i++) {
     if (header[i] != counts[i]) return packed_ints_wrong();
   }
+  // The whitecap texture block carries its counts again in its own header;
+  // they must be the ones its room was sized by, or it would be read past.
+  const int* whitecap_block = header + header_ints + directory_ints * header[at_records] +
+                              header[at_record_ints] + n_int_fields;
+  if ((whitecap_block[1] > 0 ? whitecap_block[1] : 0) != header[at_whitecap_textures] ||
+      whitecap_block[2] != header[at_whitecap_range_values]) {
+    return packed_ints_wrong();
+  }
 
-  // The directory must account for the records' parts exactly, each at
-  // least what its class packs when empty, before anything is made.
+  // The directory must account for the records' parts exactly, each with at
+  // least the ints and chars its class always packs, before anything is
+  // made. Doubles vary with a record's counts (a height grid's key times
+  // may be none) and are judged by the record's own unpack.
   const int n_records = header[at_records];
   const int* directory = header + header_ints;
   long long sums[3] = {0, 0, 0};
@@ -433,7 +443,6 @@ int ocean_input::unpack_ocean_part(const int* ints, int int_bytes, const double*
     shape->packing_sizes(least[0], least[1], least[2]);
     const int* entry = directory + directory_ints * i;
     if (entry[1] < least[0]) result = packed_ints_wrong();
-    if (result && entry[2] < least[1]) result = packed_doubles_wrong();
     if (result && entry[3] < least[2]) result = wrong_chars();
   }
 
