@@ -8,6 +8,7 @@
 #include "TCVector.h"
 
 class TCAir_input;
+class air_table;
 class TCBand;
 class TCObject_list;
 
@@ -48,10 +49,12 @@ class TCAir : public TCObject {
   // nothing hit, out is dimmed by the transmission to the top of the air:
   // the sun's 1.0 becomes the air's transmission.
   void radiance_from(int source_object, const TCRay& ray, TCSpectrum& out) override;
-  // The scene first, then path radiance, transmission and the sun's disc,
-  // every ray worked out exactly. The result stays in the contour's layer
-  // with first_flag set, as the list takes it from the object holding the
-  // view.
+  // The scene first, then path radiance, transmission and the sun's disc.
+  // Over a round base the path radiance comes from tables of this view's
+  // rays where they hold it, and exactly where not; a flat base, uniform
+  // air or external_exact set works every ray out exactly. The result stays
+  // in the contour's layer with first_flag set, as the list takes it from
+  // the object holding the view.
   void image_contour(TCView& view, object_contour& contour) override;
   // Object frame: 1 on or above the base (the exact sphere over a round one).
   int point_inside(const TCVector& point) override;
@@ -78,6 +81,13 @@ class TCAir : public TCObject {
                            double s_end);
   void local_path_transmission(const TCRay& ray, double* out, double s_start, double s_end);
   void local_scatter_phase(const TCVector& direction, double* molecular, const double* aerosol);
+
+  // The main table for a view already in the air's frame, filled from the
+  // contour, and the auxiliary one when more than 1000 covered pixels miss
+  // the main one (else null); the caller deletes both. rows and cols are
+  // the patch imaged.
+  void build_tables(const TCView& local, object_contour& contour, int rows, int cols,
+                    air_table*& main_table, air_table*& aux_table);
 
   // Height over the base of a point in the air's frame.
   double height_of(const TCVector& p) const;
@@ -129,8 +139,13 @@ class TCAir : public TCObject {
   double aerosol_scattering_factor;
   char air_file[256];
 
-  // Sub-ray evaluations of the last image_contour.
+  // Sub-ray evaluations of the last image_contour: worked out exactly, and
+  // served by the main and the auxiliary table; and the covered pixels the
+  // main table could not serve.
   long exact_count;
+  long main_table_count = 0;
+  long aux_table_count = 0;
+  long table_misses = 0;
 
  private:
   // Layer setups: 0 when a scale height or an optical depth is unusable.

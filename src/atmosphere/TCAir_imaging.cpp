@@ -1,5 +1,5 @@
 // TCAir::image_contour: the scene first, then the air along every pixel,
-// each ray worked out exactly.
+// from tables of the view's rays over a round base, exactly elsewhere.
 
 #include <cmath>
 #include <cstdlib>
@@ -12,6 +12,7 @@
 #include "TCObject_list.h"
 #include "TCSettings.h"
 #include "TCView.h"
+#include "air_table.h"
 #include "object_contour.h"
 
 namespace {
@@ -52,7 +53,205 @@ void write_matte(TCMatte_fields* fields, int object, int code, int row, int col,
     fields->planes[object][first + p][pixel] = values[p];
 }
 
+// Table steps, radians: 0.25 degree in elevation, 2 degrees in azimuth.
+const double table_theta_step = 0.004363323129985824;
+const double table_phi_step = 0.03490658503988659;
+// More pixels than this missing the main table call for an auxiliary one.
+const long aux_table_threshold = 1000;
+// Near depths at or beyond this have nothing in front of them, metres.
+const double near_nothing = 99989999.0001;
+
+// Elevation over the air's horizontal plane of an air-frame direction.
+double elevation_of(const TCVector& d) {
+  const double length = std::sqrt(d.dot(d));
+  double sine = length > 0.0 ? d.z / length : 0.0;
+  if (sine > 1.0) sine = 1.0;
+  if (sine < -1.0) sine = -1.0;
+  return std::asin(sine);
+}
+
+// Points along each edge of the window at which its elevation is taken.
+const int most_edge_points = 1000;
+
+// The view's range: elevations from its corners and the points along its
+// edges between them at each pixel (a straight edge of the plane rises
+// above its corners when it runs across the line of sight), and azimuths
+// from its corners, relative to phi_offset as one unbroken interval whose
+// low end lies in -pi..pi (the whole circle when a pole is in the window,
+// which then also reaches it).
+void view_range(const TCView& local, double phi_offset, double& e_low, double& e_high,
+                double& a_low, double& a_high) {
+  const double fe = local.first_elevation, le = local.last_elevation;
+  const double fa = local.first_azimuth, la = local.last_azimuth;
+  const double edge_e0[4] = {fe, le, fe, fe};
+  const double edge_e1[4] = {fe, le, le, le};
+  const double edge_a0[4] = {fa, fa, fa, la};
+  const double edge_a1[4] = {la, la, fa, la};
+  const int edge_pixels[4] = {local.n_cols, local.n_cols, local.n_rows, local.n_rows};
+  int first = 1;
+  for (int edge = 0; edge < 4; edge++) {
+    int points = edge_pixels[edge];
+    if (points < 1) points = 1;
+    if (points > most_edge_points) points = most_edge_points;
+    for (int k = 0; k <= points; k++) {
+      const double t = static_cast<double>(k) / points;
+      TCRay ray;
+      local.plane_ray(edge_e0[edge] + t * (edge_e1[edge] - edge_e0[edge]),
+                      edge_a0[edge] + t * (edge_a1[edge] - edge_a0[edge]), ray);
+      const double e = elevation_of(ray.direction());
+      if (first || e < e_low) e_low = e;
+      if (first || e > e_high) e_high = e;
+      first = 0;
+    }
+  }
+  double min_azimuth = 0.0, max_azimuth = 0.0;
+  if (local.view_limits(min_azimuth, max_azimuth)) {
+    TCRay centre;
+    local.plane_ray((local.first_elevation + local.last_elevation) * 0.5,
+                    (local.first_azimuth + local.last_azimuth) * 0.5, centre);
+    if (centre[5] > 0.0) {
+      e_high = tc_half_pi;
+    } else {
+      e_low = -tc_half_pi;
+    }
+    a_low = -tc_pi;
+    a_high = tc_pi;
+    return;
+  }
+  a_low = min_azimuth - phi_offset;
+  a_high = max_azimuth - phi_offset;
+  if (std::fabs(a_low) > 4.0 * tc_two_pi) {
+    const double turns = a_low - std::fmod(a_low, tc_two_pi);
+    a_low -= turns;
+    a_high -= turns;
+  }
+  while (a_low < -tc_pi) {
+    a_low += tc_two_pi;
+    a_high += tc_two_pi;
+  }
+  while (a_low >= tc_pi) {
+    a_low -= tc_two_pi;
+    a_high -= tc_two_pi;
+  }
+}
+
+// How far beyond the window, on the image plane, a node may lie and still
+// be the neighbour of a ray inside it: one step of each axis as an angle,
+// stretched by the plane's 1 + r^2 at the widest corner, twice over, and
+// the pixel margin of the range.
+double window_margin(const TCView& local, double pixel_margin, double theta_step, double phi_step) {
+  double widest = 0.0;
+  const double es[2] = {local.first_elevation, local.last_elevation};
+  const double as[2] = {local.first_azimuth, local.last_azimuth};
+  for (double e : es) {
+    for (double a : as) {
+      if (e * e + a * a > widest) widest = e * e + a * a;
+    }
+  }
+  return pixel_margin + 2.0 * (theta_step + phi_step) * (1.0 + widest);
+}
+
+// The contour's near depth, metres: at level 0 its one least distance; on a
+// reflected view the mean of the pixels' near limits that have something in
+// front of them.
+double mean_near_depth(const object_contour& contour, int rows, int cols) {
+  const double single =
+      contour.min_distance > 0.0 ? std::sqrt(static_cast<double>(contour.min_distance)) : 0.0;
+  if (contour.level == 0 || !contour.near_limit_flag || contour.near_limit == nullptr)
+    return single;
+  double sum = 0.0;
+  long count = 0;
+  for (int row = 0; row < rows; row++) {
+    for (int col = 0; col < cols; col++) {
+      const double near = air_table::pixel_near(contour, row, col);
+      if (near >= near_nothing) continue;
+      sum += near;
+      count++;
+    }
+  }
+  return count > 0 ? sum / count : single;
+}
+
+air_table* new_table(TCAir* air) {
+  air_table* table = new (std::nothrow) air_table(air);
+  if (table == nullptr) air_table::allocation_failed();
+  return table;
+}
+
 }  // namespace
+
+void TCAir::build_tables(const TCView& local, object_contour& contour, int rows, int cols,
+                         air_table*& main_table, air_table*& aux_table) {
+  main_table = nullptr;
+  aux_table = nullptr;
+  // The range of the view and its margin of two of its smaller pixels.
+  const double step_e = std::fabs(local.step_elevation);
+  const double step_a = std::fabs(local.step_azimuth);
+  const double pixel_margin = (step_e < step_a ? step_e : step_a) * 2.0;
+  double phi_offset = sun_azimuth;
+  if (phi_offset > tc_pi) phi_offset -= tc_two_pi;
+  double e_low = 0.0, e_high = 0.0, a_low = 0.0, a_high = 0.0;
+  view_range(local, phi_offset, e_low, e_high, a_low, a_high);
+
+  // A reflected view is seen on finer tables.
+  double theta_step = table_theta_step;
+  double phi_step = table_phi_step;
+  if (contour.level != 0) {
+    theta_step *= 0.5;
+    phi_step /= 10;
+  }
+
+  main_table = new_table(this);
+  main_table->define(local.position, phi_offset, theta_step, phi_step, e_low, e_high, a_low, a_high,
+                     pixel_margin);
+  const double s_primary_min = mean_near_depth(contour, rows, cols);
+  main_table->fill(local, contour, window_margin(local, pixel_margin, theta_step, phi_step),
+                   s_primary_min);
+
+  // Every covered pixel's centre ray against the main table.
+  double* molecular = scratch(0);
+  table_misses = 0;
+  double miss_e_low = 0.0, miss_e_high = 0.0, miss_a_low = 0.0, miss_a_high = 0.0;
+  for (int row = 0; row < rows; row++) {
+    for (int col = 0; col < cols; col++) {
+      if (!(contour.total_coverage[row][col] > 0.0f)) continue;
+      TCRay centre;
+      local.pixel_ray(row, col, centre);
+      double e = 0.0, a = 0.0;
+      main_table->angles_of(centre.direction(), e, a);
+      const double near = air_table::pixel_near(contour, row, col);
+      const double far = air_table::pixel_depth(contour, row, col);
+      if (main_table->lookup(e, a, near, far, molecular, nullptr, nullptr)) continue;
+      // On the columns' side of the seam, as the lookup takes it.
+      if (a < main_table->phi_low) {
+        a += tc_two_pi;
+      } else if (a > main_table->phi_high) {
+        a -= tc_two_pi;
+      }
+      if (table_misses == 0 || e < miss_e_low) miss_e_low = e;
+      if (table_misses == 0 || e > miss_e_high) miss_e_high = e;
+      if (table_misses == 0 || a < miss_a_low) miss_a_low = a;
+      if (table_misses == 0 || a > miss_a_high) miss_a_high = a;
+      table_misses++;
+    }
+  }
+  if (table_misses <= aux_table_threshold) return;
+
+  if (verbose) {
+    std::cout << "building aux table " << table_misses << "\n";
+    std::cout << " theta range " << miss_e_low << " " << miss_e_high << "\n";
+    std::cout << " phi range   " << miss_a_low << " " << miss_a_high << "\n";
+  }
+  aux_table = new_table(this);
+  aux_table->define(local.position, phi_offset, theta_step * 0.5, phi_step * 0.5, miss_e_low,
+                    miss_e_high, miss_a_low, miss_a_high, pixel_margin);
+  aux_table->fill(local, contour, window_margin(local, pixel_margin, theta_step, phi_step),
+                  s_primary_min);
+  if (verbose) {
+    std::cout << " done with auxiliary air table "
+              << "\n";
+  }
+}
 
 void TCAir::image_contour(TCView& view, object_contour& contour) {
   // Everything else paints first, merged front to back as the list would.
@@ -69,6 +268,9 @@ void TCAir::image_contour(TCView& view, object_contour& contour) {
     }
   }
   exact_count = 0;
+  main_table_count = 0;
+  aux_table_count = 0;
+  table_misses = 0;
   const int n_out = contour.spectrum != nullptr ? contour.spectrum->n : 0;
   if (n_out <= 0) return;
 
@@ -76,6 +278,11 @@ void TCAir::image_contour(TCView& view, object_contour& contour) {
   view_in_object_frame(view, local);
   const int rows = view.n_rows < contour.n_rows ? view.n_rows : contour.n_rows;
   const int cols = view.n_cols < contour.n_cols ? view.n_cols : contour.n_cols;
+
+  air_table* main_table = nullptr;
+  air_table* aux_table = nullptr;
+  if (surface_shape == 1 && air_type != 0 && !external_exact && rows > 0 && cols > 0)
+    build_tables(local, contour, rows, cols, main_table, aux_table);
 
   const int n = number_of_bands;
   double* temp_radiance = new (std::nothrow) double[4 * (n > 0 ? n : 1)]();
@@ -116,13 +323,8 @@ void TCAir::image_contour(TCView& view, object_contour& contour) {
       const float coverage = contour.total_coverage[row][col];
       const long k = static_cast<long>(row) * contour.n_cols + col;
       // Contour depths are squared distances.
-      double near = contour.min_distance;
-      if (contour.near_limit_flag && contour.near_limit != nullptr)
-        near = contour.near_limit[row][col];
-      const double s_near = near > 0.0 ? std::sqrt(near) : 0.0;
-      const double depth = contour.total_distance[row][col];
-      double s_object = depth > 0.0 ? std::sqrt(depth) : 0.0;
-      if (s_object > tc_nothing) s_object = tc_nothing;
+      const double s_near = air_table::pixel_near(contour, row, col);
+      const double s_object = air_table::pixel_depth(contour, row, col);
 
       // Samples: the covering object's path and the sky behind, as the
       // coverage asks; each over the pixel's sub-rays.
@@ -152,9 +354,23 @@ void TCAir::image_contour(TCView& view, object_contour& contour) {
             for (int j = 0; j < sub_rays; j++) {
               TCRay ray;
               local.fractional_ray(row, col, sub_ray_fraction[i], sub_ray_fraction[j], ray);
-              local_path_radiance(ray, molecular, aerosol, s_near, s_end);
+              int served = 0;
+              if (main_table != nullptr) {
+                double e = 0.0, a = 0.0;
+                main_table->angles_of(ray.direction(), e, a);
+                served = main_table->lookup(e, a, s_near, s_end, molecular, aerosol, t);
+                if (served) {
+                  main_table_count++;
+                } else if (aux_table != nullptr) {
+                  served = aux_table->lookup(e, a, s_near, s_end, molecular, aerosol, t);
+                  if (served) aux_table_count++;
+                }
+              }
+              if (!served) {
+                local_path_radiance(ray, molecular, aerosol, s_near, s_end);
+                exact_count++;
+              }
               local_scatter_phase(ray.direction(), molecular, aerosol);
-              exact_count++;
               for (int m = 0; m < n; m++) sample[m] += weight * molecular[m];
               if (first_sample) {
                 local_path_transmission(ray, t, s_near, s_end);
@@ -265,8 +481,8 @@ void TCAir::image_contour(TCView& view, object_contour& contour) {
   if (verbose) {
     std::cout << "radiance calculation statistics : "
               << "\n";
-    std::cout << "aux table  : " << 0 << "\n";
-    std::cout << "main table : " << 0 << "\n";
+    std::cout << "aux table  : " << aux_table_count << "\n";
+    std::cout << "main table : " << main_table_count << "\n";
     std::cout << "exact      : " << exact_count << "\n";
   }
 
@@ -277,4 +493,6 @@ void TCAir::image_contour(TCView& view, object_contour& contour) {
   delete[] matte_trans;
   delete[] matte_no_air;
   delete[] band_of;
+  delete main_table;
+  delete aux_table;
 }

@@ -41,7 +41,7 @@ class air_table {
               double margin);
 
   // Computes every cell through the view (in the air's frame) and the
-  // contour's depths. near_margin widens the window (image-plane units) so
+  // contour's depths. window_margin widens the window (image-plane units) so
   // that the nodes around its edge pixels are filled from those pixels.
   // Prints the table's layout when verbose, with s_primary_min the mean near
   // depth (metres).
@@ -49,15 +49,16 @@ class air_table {
             double s_primary_min);
 
   // Elevation over the air's horizontal plane and azimuth relative to the
-  // sun, wrapped into -pi..pi and then past phi_low, of an air-frame
-  // direction.
+  // sun, wrapped into -pi..pi, of an air-frame direction.
   void angles_of(const TCVector& direction, double& elevation, double& azimuth) const;
 
   // The bilinear blend at (elevation, azimuth) for a path between near and
   // far (metres): 1 with the molecular and aerosol integrals and the
   // transmission per band (number_of_bands each), 0 for a miss: outside the
   // azimuths, ends off the cells' by more than the tolerance, or a cell of
-  // no ray in the blend.
+  // no ray in the blend. An azimuth off the columns is first taken a turn
+  // round, for columns that run past -pi or pi. Any of the outputs may be
+  // null.
   int lookup(double elevation, double azimuth, double near, double far, double* molecular,
              double* aerosol, double* transmission) const;
 
@@ -67,10 +68,15 @@ class air_table {
   // The allowed difference of path ends for a path of these ends: 0.05 of
   // its length, or 99999999.0 when it runs to the top of the air.
   static double end_tolerance(double near, double far);
+  // A pixel's near end (its near limit, else the contour's least distance)
+  // and the distance of what covers it, in metres from the contour's
+  // squared distances, at most 99999999.0.
+  static double pixel_near(const object_contour& contour, int row, int col);
+  static double pixel_depth(const object_contour& contour, int row, int col);
 
   // Cell access for one kind of row (up 1, down 0).
   int rows(int up) const { return up ? n_up : n_down; }
-  long cell(int up, int j, int i) const;
+  long cell(int j, int i) const { return static_cast<long>(j) * n_phi + i; }
   long plane_cell(int up, int band, int j, int i) const;
   double* radiance(int up) const { return up ? radiance_up : radiance_down; }
   double* transmission(int up) const { return up ? transmission_up : transmission_down; }
@@ -78,7 +84,7 @@ class air_table {
   double* far(int up) const { return up ? far_up : far_down; }
 
   TCAir* air;
-  int sun_side_flag;  // 1 when the sun's own azimuth lies in the columns
+  int sun_side_flag;  // 1 when the bearing towards the sun lies in the columns
   int number_of_bands;
   int n_phi;
   int n_down;
@@ -91,7 +97,6 @@ class air_table {
   double theta_high;
   double theta_step_down;
   double theta_step_up;
-  double inverse_phi_step;
   double inverse_theta_step_down;
   double inverse_theta_step_up;
   TCVector viewpoint;
@@ -106,8 +111,13 @@ class air_table {
   double* near_up;
   double* far_up;
 
+  double inverse_phi_step;
   // Cells whose integrals were computed by the last fill.
   long computed_cells;
+
+  // "Not enough memory to allocate air table " and the end of the run,
+  // status 1.
+  static void allocation_failed();
 
  private:
   void release();

@@ -81,6 +81,9 @@ class object_contour {
   TCMatte_sample matte_sample;  // per-ray matte values an object may gather
   int active[100];
   int forced_object;
+  // 0 for a view from a camera, nonzero for a view reflected off a surface,
+  // which the air images on finer tables. Set by the caller; reset() keeps it.
+  int level;
 
  private:
   const unsigned char* mask_;
