@@ -162,42 +162,27 @@ int TCAir_input::read_stream(std::istream& in) {
   if (ids == nullptr) return 0;
   take_ints(band_id.band_id, ids, count);
 
-  std::string word;
-  skip_token(in);
-  in >> word;
+  std::string word = read_keyed_text(in);
   air_type = air_type_code(word);
+  // A shape word that does not read leaves the type's word in place.
   skip_token(in);
   in >> word;
   surface_shape = word == "round" ? 1 : 0;
-  if (surface_shape == 1) {
-    skip_token(in);
-    read_double(in, surface_radius);
-  }
+  if (surface_shape == 1) read_keyed_double(in, surface_radius);
 
   if (air_type == 0) {
-    for (int i = 0; i < number_of_bands; i++) {
-      skip_token(in);
-      read_double(in, radiance_value[i]);
-    }
+    for (int i = 0; i < number_of_bands; i++) read_keyed_double(in, radiance_value[i]);
   } else if (air_type >= 1 && air_type <= 3) {
-    skip_token(in);
-    read_double(in, molecular_height);
-    skip_token(in);
-    read_double(in, molecular_density);
+    read_keyed_double(in, molecular_height);
+    read_keyed_double(in, molecular_density);
     molecular_wavelength_dependence = 4.1;
-    if (file_version >= 2) {
-      skip_token(in);
-      read_double(in, molecular_wavelength_dependence);
-    }
+    if (file_version >= 2) read_keyed_double(in, molecular_wavelength_dependence);
     if (air_type >= 2) {
-      skip_token(in);
-      read_double(in, aerosol_height);
-      skip_token(in);
-      read_double(in, aerosol_density);
+      read_keyed_double(in, aerosol_height);
+      read_keyed_double(in, aerosol_density);
     }
     if (air_type == 2) {
-      skip_token(in);
-      read_double(in, aerosol_scattering_factor);
+      read_keyed_double(in, aerosol_scattering_factor);
     } else if (air_type == 3) {
       skip_token(in);
       read_doubles(in, radiance_value, number_of_bands);

@@ -100,8 +100,7 @@ int initial_code(const char* word) {
 
 int read_initial(std::istream& in, int& code) {
   char word[256];
-  skip_token(in);
-  if (!read_token(in, word, 256)) return 0;
+  if (!read_keyed_word(in, word, 256)) return 0;
   code = initial_code(word);
   return 1;
 }
@@ -176,35 +175,22 @@ void Boat_details_input::release_hull() {
 int Boat_details_input::write_grid_block(std::ostream& out) const {
   write_lattice_lines(out);
   out << "boat_file: " << detail_file << "\n";
-  out << "position_x: " << position_x << "\n";
-  out << "position_y: " << position_y << "\n";
-  out << "direction:  " << degrees_for_file(direction) << "\n";
-  out << "velocity:   " << velocity << "\n";
-  out << "end "
-      << "\n";
-  return out ? 1 : 0;
+  write_position_lines(out, position_x, position_y);
+  write_course_lines(out, direction, velocity);
+  return write_block_end(out);
 }
 
 int Boat_details_input::read_grid_block(std::istream& in) {
   read_lattice_lines(in);
-  skip_token(in);
-  read_token(in, detail_file, 256);
-  skip_token(in);
-  read_double(in, position_x);
-  skip_token(in);
-  read_double(in, position_y);
-  double degrees = 0.0;
-  skip_token(in);
-  if (read_double(in, degrees)) direction = radians_from_file(degrees);
-  skip_token(in);
-  read_double(in, velocity);
+  read_keyed_word(in, detail_file, 256);
+  read_position_lines(in, position_x, position_y);
+  read_course_lines(in, direction, velocity);
   return check_block_end(in, "ocean boat input file is invalid, read ");
 }
 
 int Boat_details_input::read_hull_points(std::istream& in) {
   int count = 0;
-  skip_token(in);
-  if (!read_int(in, count)) return 1;
+  if (!read_keyed_int(in, count)) return 1;
   if (count < 1) {
     allocate_hull(0);
     return 1;
@@ -251,26 +237,19 @@ int Boat_details_input::read_hull_points(std::istream& in) {
 
 int Boat_details_input::read_hull_depth(std::istream& in) {
   char word[256] = "";
-  skip_token(in);
-  read_token(in, word, 256);
+  read_keyed_word(in, word, 256);
   if (std::strcmp(word, "constant") == 0) {
     hull_type = hull_constant;
-    skip_token(in);
-    read_double(in, hull_depth);
+    read_keyed_double(in, hull_depth);
   } else if (std::strcmp(word, "file") == 0) {
     hull_type = hull_from_file;
-    skip_token(in);
-    read_token(in, hull_file, 256);
-    skip_token(in);
-    read_double(in, hull_dx);
-    skip_token(in);
-    read_double(in, hull_dy);
-    skip_token(in);
-    read_double(in, hull_depth);
+    read_keyed_word(in, hull_file, 256);
+    read_keyed_double(in, hull_dx);
+    read_keyed_double(in, hull_dy);
+    read_keyed_double(in, hull_depth);
   } else if (std::strcmp(word, "custom_type_one") == 0) {
     hull_type = hull_custom_type_one;
-    skip_token(in);
-    read_double(in, hull_depth);
+    read_keyed_double(in, hull_depth);
   } else {
     std::cout << "illegal boat hull type " << word << "\n";
     return 0;
@@ -280,21 +259,14 @@ int Boat_details_input::read_hull_depth(std::istream& in) {
 
 void Boat_details_input::read_dynamic_lines(std::istream& in, int with_enhancements) {
   read_initial(in, dynamic_initial);
-  skip_token(in);
-  read_token(in, dynamic_file, 256);
-  skip_token(in);
-  read_double(in, reference_time);
-  skip_token(in);
-  read_double(in, initialization_interval);
-  skip_token(in);
-  read_double(in, time_increment);
-  skip_token(in);
-  read_double(in, acceleration_threshold);
+  read_keyed_word(in, dynamic_file, 256);
+  read_keyed_double(in, reference_time);
+  read_keyed_double(in, initialization_interval);
+  read_keyed_double(in, time_increment);
+  read_keyed_double(in, acceleration_threshold);
   if (with_enhancements) {
-    skip_token(in);
-    read_double(in, fore_enhancement);
-    skip_token(in);
-    read_double(in, aft_enhancement);
+    read_keyed_double(in, fore_enhancement);
+    read_keyed_double(in, aft_enhancement);
   }
 }
 
@@ -311,26 +283,20 @@ int Boat_details_input::read_detail_file(std::istream& in) {
   if (!check_end_after_fields(in, "unable to process hull part of boat stream ")) return 0;
 
   char word[256] = "";
-  skip_token(in);
-  if (read_token(in, word, 256)) wake_type = wake_code(word);
+  if (read_keyed_word(in, word, 256)) wake_type = wake_code(word);
   if (wake_type == wake_kelvin) {
     read_initial(in, kelvin_initial);
-    skip_token(in);
-    read_token(in, kelvin_file, 256);
-    skip_token(in);
-    read_double(in, eps0);
-    skip_token(in);
-    read_double(in, us);
-    skip_token(in);
-    read_double(in, slope_threshold);
+    read_keyed_word(in, kelvin_file, 256);
+    read_keyed_double(in, eps0);
+    read_keyed_double(in, us);
+    read_keyed_double(in, slope_threshold);
   } else if (wake_type == wake_dynamic) {
     // Files before version 2 leave both wake ends as computed.
     fore_enhancement = 1.0;
     aft_enhancement = 1.0;
     read_dynamic_lines(in, file_version >= 2);
   }
-  skip_token(in);
-  if (read_token(in, word, 256)) couple_to_ocean_waves = parse_yes_no(word);
+  if (read_keyed_word(in, word, 256)) couple_to_ocean_waves = parse_yes_no(word);
   if (wake_type == wake_kelvin && couple_to_ocean_waves && in) read_dynamic_lines(in, 0);
   return check_end_after_fields(in, "unable to process wake part of boat stream ");
 }
@@ -414,9 +380,7 @@ int Boat_details_input::write_detail_file(std::ostream& out) const {
                                   : "couple_to_ocean_waves:   no  ")
         << "\n";
   }
-  out << "end "
-      << "\n";
-  return out ? 1 : 0;
+  return write_block_end(out);
 }
 
 void Boat_details_input::packing_sizes(int& n_ints, int& n_doubles, int& n_chars) const {

@@ -23,16 +23,13 @@ int Deformation_details_input::write_grid_block(std::ostream& out) const {
   write_lattice_lines(out);
   write_spectrum_lines(out, 0);
   out << "deformation_file: " << detail_file << "\n";
-  out << "end "
-      << "\n";
-  return out ? 1 : 0;
+  return write_block_end(out);
 }
 
 int Deformation_details_input::read_grid_block(std::istream& in) {
   read_lattice_lines(in);
   read_spectrum_lines(in, 0);
-  skip_token(in);
-  read_token(in, detail_file, 256);
+  read_keyed_word(in, detail_file, 256);
   return check_block_end(in, "deformation input file is invalid, read ");
 }
 
@@ -46,14 +43,10 @@ int Deformation_details_input::write_detail_file(std::ostream& out) const {
 }
 
 int Deformation_details_input::read_detail_file(std::istream& in) {
-  skip_token(in);
-  read_double(in, initial_height);
-  skip_token(in);
-  read_double(in, final_height);
-  skip_token(in);
-  read_double(in, evolution_time);
-  skip_token(in);
-  read_double(in, width);
+  read_keyed_double(in, initial_height);
+  read_keyed_double(in, final_height);
+  read_keyed_double(in, evolution_time);
+  read_keyed_double(in, width);
   if (in) return 1;
   std::cout << "unable to process deformation detail stream "
             << "\n";

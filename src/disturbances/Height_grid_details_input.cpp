@@ -97,31 +97,20 @@ void Height_grid_details_input::release_keys() {
 int Height_grid_details_input::write_grid_block(std::ostream& out) const {
   write_lattice_lines(out);
   out << kind_.detail_file_keyword << detail_file << "\n";
-  out << "position_x: " << position_x << "\n";
-  out << "position_y: " << position_y << "\n";
+  write_position_lines(out, position_x, position_y);
   out << "orientation: " << degrees_for_file(orientation) << "\n";
   out << "velocity:   " << velocity << "\n";
   out << "direction:  " << degrees_for_file(direction) << "\n";
-  out << "end "
-      << "\n";
-  return out ? 1 : 0;
+  return write_block_end(out);
 }
 
 int Height_grid_details_input::read_grid_block(std::istream& in) {
   read_lattice_lines(in);
-  skip_token(in);
-  read_token(in, detail_file, 256);
-  skip_token(in);
-  read_double(in, position_x);
-  skip_token(in);
-  read_double(in, position_y);
-  double degrees = 0.0;
-  skip_token(in);
-  if (read_double(in, degrees)) orientation = radians_from_file(degrees);
-  skip_token(in);
-  read_double(in, velocity);
-  skip_token(in);
-  if (read_double(in, degrees)) direction = radians_from_file(degrees);
+  read_keyed_word(in, detail_file, 256);
+  read_position_lines(in, position_x, position_y);
+  read_keyed_angle(in, orientation);
+  read_keyed_double(in, velocity);
+  read_keyed_angle(in, direction);
   return check_block_end(in, kind_.block_end);
 }
 
@@ -137,9 +126,7 @@ int Height_grid_details_input::write_detail_file(std::ostream& out) const {
   for (int i = 0; i < number_of_key_times; i++) {
     out << key_times[i] << " " << key_scales[i] << "\n";
   }
-  out << "end "
-      << "\n";
-  return out ? 1 : 0;
+  return write_block_end(out);
 }
 
 int Height_grid_details_input::read_detail_file(std::istream& in) {
@@ -148,16 +135,13 @@ int Height_grid_details_input::read_detail_file(std::istream& in) {
     std::cout << kind_.header_failure << "\n";
     return 0;
   }
-  skip_token(in);
-  read_token(in, field_file, 256);
+  read_keyed_word(in, field_file, 256);
   if (file_version >= 2) {
-    skip_token(in);
-    read_int(in, periodic_x);
+    read_keyed_int(in, periodic_x);
     read_int(in, periodic_y);
   }
   int count = 0;
-  skip_token(in);
-  if (read_int(in, count)) {
+  if (read_keyed_int(in, count)) {
     if (count < 0) {
       std::cout << time_allocation << "\n";
       return 0;

@@ -38,16 +38,13 @@ int Reflection_details_input::write_grid_block(std::ostream& out) const {
   write_lattice_lines(out);
   write_spectrum_lines(out, 0);
   out << "reflection_file: " << detail_file << "\n";
-  out << "end "
-      << "\n";
-  return out ? 1 : 0;
+  return write_block_end(out);
 }
 
 int Reflection_details_input::read_grid_block(std::istream& in) {
   read_lattice_lines(in);
   read_spectrum_lines(in, 0);
-  skip_token(in);
-  read_token(in, detail_file, 256);
+  read_keyed_word(in, detail_file, 256);
   return check_block_end(in, "grid input file is invalid, read ");
 }
 
@@ -67,37 +64,23 @@ int Reflection_details_input::write_detail_file(std::ostream& out) const {
     out << "table_size: " << table_size << "\n";
     out << "table_increment: " << table_increment << "\n";
   }
-  out << "end "
-      << "\n";
-  return out ? 1 : 0;
+  return write_block_end(out);
 }
 
 int Reflection_details_input::read_detail_file(std::istream& in) {
-  skip_token(in);
-  read_double(in, radius);
-  skip_token(in);
-  read_int(in, n_theta);
-  skip_token(in);
-  read_int(in, n_k_radial);
-  skip_token(in);
-  read_double(in, k_min_radial);
-  skip_token(in);
-  read_double(in, dr_radial);
-  skip_token(in);
-  read_double(in, stretching_factor_x);
-  skip_token(in);
-  read_double(in, stretching_factor_y);
-  skip_token(in);
-  read_int(in, algorithm_method);
-  skip_token(in);
-  read_int(in, matching_method_flag);
-  skip_token(in);
-  read_int(in, bessel_table_flag);
+  read_keyed_double(in, radius);
+  read_keyed_int(in, n_theta);
+  read_keyed_int(in, n_k_radial);
+  read_keyed_double(in, k_min_radial);
+  read_keyed_double(in, dr_radial);
+  read_keyed_double(in, stretching_factor_x);
+  read_keyed_double(in, stretching_factor_y);
+  read_keyed_int(in, algorithm_method);
+  read_keyed_int(in, matching_method_flag);
+  read_keyed_int(in, bessel_table_flag);
   if (bessel_table_flag && in) {
-    skip_token(in);
-    read_int(in, table_size);
-    skip_token(in);
-    read_double(in, table_increment);
+    read_keyed_int(in, table_size);
+    read_keyed_double(in, table_increment);
   }
   return check_end_after_fields(in, "unable to process reflection detail stream ");
 }

@@ -31,22 +31,15 @@ int Ripple_details_input::write_grid_block(std::ostream& out) const {
   write_lattice_lines(out);
   write_spectrum_lines(out, 0);
   out << "ripple_file: " << detail_file << "\n";
-  out << "position_x: " << position_x << "\n";
-  out << "position_y: " << position_y << "\n";
-  out << "end "
-      << "\n";
-  return out ? 1 : 0;
+  write_position_lines(out, position_x, position_y);
+  return write_block_end(out);
 }
 
 int Ripple_details_input::read_grid_block(std::istream& in) {
   read_lattice_lines(in);
   read_spectrum_lines(in, 0);
-  skip_token(in);
-  read_token(in, detail_file, 256);
-  skip_token(in);
-  read_double(in, position_x);
-  skip_token(in);
-  read_double(in, position_y);
+  read_keyed_word(in, detail_file, 256);
+  read_position_lines(in, position_x, position_y);
   return check_block_end(in, "grid input file is invalid, read ");
 }
 
@@ -84,14 +77,10 @@ int Ripple_details_input::read_detail_file(std::istream& in) {
     skip_token(in);
   }
   read_double(in, ripple_start_time);
-  skip_token(in);
-  read_double(in, radius);
-  skip_token(in);
-  read_double(in, velocity);
-  skip_token(in);
-  read_int(in, n_r);
-  skip_token(in);
-  read_double(in, dr);
+  read_keyed_double(in, radius);
+  read_keyed_double(in, velocity);
+  read_keyed_int(in, n_r);
+  read_keyed_double(in, dr);
   if (in) return 1;
   std::cout << "unable to process ripple detail stream "
             << "\n";

@@ -25,16 +25,13 @@ int Swell_details_input::write_grid_block(std::ostream& out) const {
   write_lattice_lines(out);
   write_spectrum_lines(out, 0);
   out << "swell_file: " << detail_file << "\n";
-  out << "end "
-      << "\n";
-  return out ? 1 : 0;
+  return write_block_end(out);
 }
 
 int Swell_details_input::read_grid_block(std::istream& in) {
   read_lattice_lines(in);
   read_spectrum_lines(in, 0);
-  skip_token(in);
-  read_token(in, detail_file, 256);
+  read_keyed_word(in, detail_file, 256);
   return check_block_end(in, "grid input file is invalid, read ");
 }
 
@@ -46,25 +43,16 @@ int Swell_details_input::write_detail_file(std::ostream& out) const {
   out << "trans_spread: " << trans_spread << "\n";
   out << "direction: " << degrees_for_file(direction) << "\n";
   out << "random_seed: " << random_seed << "\n";
-  out << "end "
-      << "\n";
-  return out ? 1 : 0;
+  return write_block_end(out);
 }
 
 int Swell_details_input::read_detail_file(std::istream& in) {
-  skip_token(in);
-  read_double(in, swell_height);
-  skip_token(in);
-  read_double(in, swell_wavelength);
-  skip_token(in);
-  read_double(in, long_spread);
-  skip_token(in);
-  read_double(in, trans_spread);
-  double degrees = 0.0;
-  skip_token(in);
-  if (read_double(in, degrees)) direction = radians_from_file(degrees);
-  skip_token(in);
-  read_int(in, random_seed);
+  read_keyed_double(in, swell_height);
+  read_keyed_double(in, swell_wavelength);
+  read_keyed_double(in, long_spread);
+  read_keyed_double(in, trans_spread);
+  read_keyed_angle(in, direction);
+  read_keyed_int(in, random_seed);
   return check_end_after_fields(in, "unable to process swell detail stream ");
 }
 

@@ -51,29 +51,17 @@ int Wake_details_input::write_grid_block(std::ostream& out) const {
   write_lattice_lines(out);
   write_spectrum_lines(out, 0);
   out << "wake_file: " << detail_file << "\n";
-  out << "position_x: " << position_x << "\n";
-  out << "position_y: " << position_y << "\n";
-  out << "direction:  " << degrees_for_file(direction) << "\n";
-  out << "velocity:   " << velocity << "\n";
-  out << "end "
-      << "\n";
-  return out ? 1 : 0;
+  write_position_lines(out, position_x, position_y);
+  write_course_lines(out, direction, velocity);
+  return write_block_end(out);
 }
 
 int Wake_details_input::read_grid_block(std::istream& in) {
   read_lattice_lines(in);
   read_spectrum_lines(in, 0);
-  skip_token(in);
-  read_token(in, detail_file, 256);
-  skip_token(in);
-  read_double(in, position_x);
-  skip_token(in);
-  read_double(in, position_y);
-  double degrees = 0.0;
-  skip_token(in);
-  if (read_double(in, degrees)) direction = radians_from_file(degrees);
-  skip_token(in);
-  read_double(in, velocity);
+  read_keyed_word(in, detail_file, 256);
+  read_position_lines(in, position_x, position_y);
+  read_course_lines(in, direction, velocity);
   return check_block_end(in, "grid input file is invalid, read ");
 }
 
@@ -110,9 +98,7 @@ int Wake_details_input::write_detail_file(std::ostream& out) const {
     out << "damping_eps:  " << damping_eps << "\n";
     out << "damping_us:  " << damping_us << "\n";
   }
-  out << "end "
-      << "\n";
-  return out ? 1 : 0;
+  return write_block_end(out);
 }
 
 int Wake_details_input::read_detail_file(std::istream& in) {
@@ -122,14 +108,11 @@ int Wake_details_input::read_detail_file(std::istream& in) {
     return 0;
   }
   char word[256];
-  skip_token(in);
-  if (read_token(in, word, 256)) generate_wake = parse_yes_no(word);
-  skip_token(in);
-  read_token(in, wake_file, 256);
+  if (read_keyed_word(in, word, 256)) generate_wake = parse_yes_no(word);
+  read_keyed_word(in, wake_file, 256);
   int with_sizes = 1;
   if (generate_wake && in) {
-    skip_token(in);
-    if (read_token(in, word, 256)) {
+    if (read_keyed_word(in, word, 256)) {
       // Any word but the two shapes means the hull comes from a file.
       if (std::strcmp(word, "rectangle") == 0) {
         boat_shape = shape_rectangle;
@@ -141,23 +124,17 @@ int Wake_details_input::read_detail_file(std::istream& in) {
     }
     if (boat_shape == shape_file) {
       with_sizes = 0;
-      skip_token(in);
-      read_token(in, hull_file, 256);
+      read_keyed_word(in, hull_file, 256);
     }
   }
   if (with_sizes) {
-    skip_token(in);
-    read_double(in, boat_length);
-    skip_token(in);
-    read_double(in, boat_width);
-    skip_token(in);
-    read_double(in, boat_depth);
+    read_keyed_double(in, boat_length);
+    read_keyed_double(in, boat_width);
+    read_keyed_double(in, boat_depth);
   }
   if (generate_wake) {
-    skip_token(in);
-    read_double(in, damping_eps);
-    skip_token(in);
-    read_double(in, damping_us);
+    read_keyed_double(in, damping_eps);
+    read_keyed_double(in, damping_us);
   }
   return check_end_after_fields(in, "unable to process wake stream ");
 }

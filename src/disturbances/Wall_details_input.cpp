@@ -20,19 +20,12 @@ int Wall_details_input::write_grid_block(std::ostream& out) const {
   out << "position_x " << position_x << "\n";
   out << "position_y " << position_y << "\n";
   out << "angle " << degrees_for_file(angle) << "\n";
-  out << "end "
-      << "\n";
-  return out ? 1 : 0;
+  return write_block_end(out);
 }
 
 int Wall_details_input::read_grid_block(std::istream& in) {
-  skip_token(in);
-  read_double(in, position_x);
-  skip_token(in);
-  read_double(in, position_y);
-  double degrees = 0.0;
-  skip_token(in);
-  if (read_double(in, degrees)) angle = radians_from_file(degrees);
+  read_position_lines(in, position_x, position_y);
+  read_keyed_angle(in, angle);
   return check_block_end(in, "grid input file is invalid, read ");
 }
 

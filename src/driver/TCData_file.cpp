@@ -96,6 +96,35 @@ int read_double(std::istream& in, double& value) {
   return 1;
 }
 
+int read_keyed_int(std::istream& in, int& value) {
+  skip_token(in);
+  return read_int(in, value);
+}
+
+int read_keyed_double(std::istream& in, double& value) {
+  skip_token(in);
+  return read_double(in, value);
+}
+
+int read_keyed_word(std::istream& in, char* buffer, int size) {
+  skip_token(in);
+  return read_token(in, buffer, size);
+}
+
+std::string read_keyed_text(std::istream& in) {
+  skip_token(in);
+  std::string word;
+  in >> word;
+  return word;
+}
+
+int read_keyed_angle(std::istream& in, double& radians) {
+  double degrees = 0.0;
+  if (!read_keyed_double(in, degrees)) return 0;
+  radians = radians_from_file(degrees);
+  return 1;
+}
+
 double radians_from_file(double degrees) {
   return degrees * tc_degrees_to_radians;
 }

@@ -49,6 +49,17 @@ void skip_token(std::istream& in);
 int read_int(std::istream& in, int& value);
 int read_double(std::istream& in, double& value);
 
+// A keyword dropped unread, then its value: the one line shape of every
+// positional file. Same results as the readers above, the keyword aside.
+int read_keyed_int(std::istream& in, int& value);
+int read_keyed_double(std::istream& in, double& value);
+int read_keyed_word(std::istream& in, char* buffer, int size);
+// The word after the keyword, whole; empty when none reads.
+std::string read_keyed_text(std::istream& in);
+// Degrees on file into radians; radians keeps its value when the number
+// does not read.
+int read_keyed_angle(std::istream& in, double& radians);
+
 // Copies a C string into a buffer of size characters, cutting it to fit.
 void copy_text(char* target, const char* source, int size);
 

@@ -112,16 +112,12 @@ int TCGrid_details_input::write_file(const char* path) {
 }
 
 int TCGrid_details_input::read_lattice_lines(std::istream& in) {
-  skip_token(in);
-  read_int(in, n_x);
+  read_keyed_int(in, n_x);
   if (carries_periodicity) read_int(in, periodic_x);
-  skip_token(in);
-  read_int(in, n_y);
+  read_keyed_int(in, n_y);
   if (carries_periodicity) read_int(in, periodic_y);
-  skip_token(in);
-  read_double(in, dx);
-  skip_token(in);
-  read_double(in, dy);
+  read_keyed_double(in, dx);
+  read_keyed_double(in, dy);
   return in ? 1 : 0;
 }
 
@@ -138,15 +134,10 @@ void TCGrid_details_input::write_lattice_lines(std::ostream& out) const {
 }
 
 int TCGrid_details_input::read_spectrum_lines(std::istream& in, int with_seed) {
-  skip_token(in);
-  read_token(in, spectrum_file, 256);
-  skip_token(in);
+  read_keyed_word(in, spectrum_file, 256);
   char word[256];
-  if (read_token(in, word, 256)) generate_file = parse_yes_no(word);
-  if (with_seed && generate_file && in) {
-    skip_token(in);
-    read_int(in, random_seed);
-  }
+  if (read_keyed_word(in, word, 256)) generate_file = parse_yes_no(word);
+  if (with_seed && generate_file && in) read_keyed_int(in, random_seed);
   return in ? 1 : 0;
 }
 
@@ -164,6 +155,37 @@ void TCGrid_details_input::write_spectrum_lines(std::ostream& out, int with_seed
   }
 }
 
+int TCGrid_details_input::read_position_lines(std::istream& in, double& position_x,
+                                              double& position_y) {
+  read_keyed_double(in, position_x);
+  read_keyed_double(in, position_y);
+  return in ? 1 : 0;
+}
+
+void TCGrid_details_input::write_position_lines(std::ostream& out, double position_x,
+                                                double position_y) {
+  out << "position_x: " << position_x << "\n";
+  out << "position_y: " << position_y << "\n";
+}
+
+int TCGrid_details_input::read_course_lines(std::istream& in, double& direction, double& velocity) {
+  read_keyed_angle(in, direction);
+  read_keyed_double(in, velocity);
+  return in ? 1 : 0;
+}
+
+void TCGrid_details_input::write_course_lines(std::ostream& out, double direction,
+                                              double velocity) {
+  out << "direction:  " << degrees_for_file(direction) << "\n";
+  out << "velocity:   " << velocity << "\n";
+}
+
+int TCGrid_details_input::write_block_end(std::ostream& out) {
+  out << "end "
+      << "\n";
+  return out ? 1 : 0;
+}
+
 int TCGrid_details_input::check_block_end(std::istream& in, const char* opening) {
   std::string word;
   if (read_end_word(in, word)) return 1;
@@ -175,9 +197,7 @@ int TCGrid_details_input::check_block_end(std::istream& in, const char* opening)
 int TCGrid_details_input::write_grid_block(std::ostream& out) const {
   write_lattice_lines(out);
   write_spectrum_lines(out, 1);
-  out << "end "
-      << "\n";
-  return out ? 1 : 0;
+  return write_block_end(out);
 }
 
 int TCGrid_details_input::read_grid_block(std::istream& in) {

@@ -74,9 +74,20 @@ class TCGrid_details_input : public TCObject_input {
   // after yes when with_seed is set.
   int read_spectrum_lines(std::istream& in, int with_seed);
   void write_spectrum_lines(std::ostream& out, int with_seed) const;
+  // Where a kind's pattern stands, metres: "position_x:" and "position_y:"
+  // as written; on reading any keyword will do, as the wall's show.
+  static int read_position_lines(std::istream& in, double& position_x, double& position_y);
+  static void write_position_lines(std::ostream& out, double position_x, double position_y);
+  // "direction:" (degrees on file, radians here) and "velocity:" (metres per
+  // second): the course of a boat or of a wake.
+  static int read_course_lines(std::istream& in, double& direction, double& velocity);
+  static void write_course_lines(std::ostream& out, double direction, double velocity);
   // A block's closing word: anything but "end" (or a number that failed
   // before it) prints opening, the word and " instead of end", and gives 0.
   static int check_block_end(std::istream& in, const char* opening);
+  // Writes the closing "end" of a block or detail file; 0 when the stream
+  // has failed.
+  static int write_block_end(std::ostream& out);
 
   // What a kind prints when packing fails. Several kinds print another's:
   // reflect the swell's, deform the ripple's, both grid kinds the wake's.

@@ -23,16 +23,9 @@ const int last_water_type = 5;
 // Disturbance records the list makes room for at first; it then doubles.
 const int first_disturbance_capacity = 4;
 
-std::string read_word(std::istream& in) {
-  std::string word;
-  in >> word;
-  return word;
-}
-
 // The yes-or-no switches of the file: only "yes" sets one.
 int read_switch(std::istream& in) {
-  skip_token(in);
-  return ocean_yes_no_code(read_word(in).c_str());
+  return ocean_yes_no_code(read_keyed_text(in).c_str());
 }
 
 // Sums of counts and flags as file values can make them: modulo 2^32 like
@@ -333,20 +326,15 @@ int ocean_input::read(std::istream& in) {
   // shows that word, rather than a later group taking an empty word for a
   // choice it refuses.
   if (in && !read_disturbances(in, version)) return 0;
-  skip_token(in);
-  read_double(in, box_depth);
-  skip_token(in);
-  read_double(in, reference_time);
+  read_keyed_double(in, box_depth);
+  read_keyed_double(in, reference_time);
   if (in && !read_surface_and_wind(in)) return 0;
   if (in && !read_spectrum_and_water(in)) return 0;
   if (in && !read_external_exact(in, version)) return 0;
   if (in && !read_glitter(in)) return 0;
   if (in && !read_whitecaps_and_textures(in, version)) return 0;
   cusps = read_switch(in);
-  if (cusps) {
-    skip_token(in);
-    read_double(in, cusps_scale);
-  }
+  if (cusps) read_keyed_double(in, cusps_scale);
   if (in && !read_exclusions(in, version)) return 0;
   if (in && !read_bands(in)) return 0;
 
@@ -363,8 +351,7 @@ int ocean_input::read_grids(std::istream& in) {
               << "\n";
     return 0;
   }
-  skip_token(in);
-  read_int(in, number_aux_oceans);
+  read_keyed_int(in, number_aux_oceans);
   // However many further oceans are named, one block follows; the object
   // refuses more than one.
   if (number_aux_oceans != 0) {
@@ -380,21 +367,18 @@ int ocean_input::read_grids(std::istream& in) {
 }
 
 int ocean_input::read_disturbances(std::istream& in, int version) {
-  skip_token(in);
   int count = 0;
-  read_int(in, count);
+  read_keyed_int(in, count);
   clear_disturbances();
   render_disturbances_interior = ocean_interior_black;
   if (count == 0) return 1;
   if (version >= 4) {
-    skip_token(in);
-    render_disturbances_interior = ocean_interior_code(read_word(in).c_str());
+    render_disturbances_interior = ocean_interior_code(read_keyed_text(in).c_str());
   }
   // Records are made as their blocks arrive, so a wild count costs no more
   // than the file holds.
   for (int i = 0; i < count; i++) {
-    skip_token(in);
-    const std::string word = read_word(in);
+    const std::string word = read_keyed_text(in);
     if (!in) return 1;
     TCGrid_details_input* record = add_disturbance(ocean_disturbance_type_code(word.c_str()));
     if (record == nullptr) {
@@ -414,40 +398,31 @@ int ocean_input::read_disturbances(std::istream& in, int version) {
 }
 
 int ocean_input::read_surface_and_wind(std::istream& in) {
-  skip_token(in);
-  round_surface = ocean_surface_type_code(read_word(in).c_str());
+  round_surface = ocean_surface_type_code(read_keyed_text(in).c_str());
   if (round_surface) {
-    skip_token(in);
-    read_double(in, surface_radius);
+    read_keyed_double(in, surface_radius);
   } else {
     surface_radius = 0.0;
   }
-  skip_token(in);
-  read_double(in, max_distance);
-  skip_token(in);
-  read_double(in, doubling_distance);
+  read_keyed_double(in, max_distance);
+  read_keyed_double(in, doubling_distance);
 
   variable_wind = read_switch(in);
   if (variable_wind) {
-    skip_token(in);
-    read_token(in, wind_file, text_block);
+    read_keyed_word(in, wind_file, text_block);
     if (in && !read_variable_wind(wind_file)) {
       std::cout << "unable to process variable wind file " << wind_file << "\n";
       return 0;
     }
   } else {
-    skip_token(in);
-    double degrees = 0.0;
-    if (read_double(in, degrees)) wind_direction = radians_from_file(degrees);
-    skip_token(in);
-    read_double(in, wind_velocity);
+    read_keyed_angle(in, wind_direction);
+    read_keyed_double(in, wind_velocity);
   }
   return 1;
 }
 
 int ocean_input::read_spectrum_and_water(std::istream& in) {
-  skip_token(in);
-  const std::string spectrum = read_word(in);
+  const std::string spectrum = read_keyed_text(in);
   if (!in) return 1;
   ocean_spectrum_type = ocean_spectrum_code(spectrum.c_str());
   // Only the Phillips family is generated; "flat" and "dp" have words and
@@ -457,12 +432,8 @@ int ocean_input::read_spectrum_and_water(std::istream& in) {
               << "\n";
     return 0;
   }
-  if (ocean_spectrum_type == ocean_spectrum_glassy) {
-    skip_token(in);
-    read_double(in, glassy_scale);
-  }
-  skip_token(in);
-  if (!read_int(in, jerlov_water_type)) return 1;
+  if (ocean_spectrum_type == ocean_spectrum_glassy) read_keyed_double(in, glassy_scale);
+  if (!read_keyed_int(in, jerlov_water_type)) return 1;
   if (jerlov_water_type < first_water_type || jerlov_water_type > last_water_type) {
     std::cout << "jerlov water type " << jerlov_water_type << " not yet supported"
               << "\n";
@@ -472,35 +443,28 @@ int ocean_input::read_spectrum_and_water(std::istream& in) {
 }
 
 int ocean_input::read_external_exact(std::istream& in, int version) {
-  skip_token(in);
-  external_exact = ocean_external_exact_code(read_word(in).c_str());
+  external_exact = ocean_external_exact_code(read_keyed_text(in).c_str());
   if (external_exact == ocean_external_exact_none) {
     include = ocean_include_nothing;
     max_exact_distance = 0.0;
     return 1;
   }
-  skip_token(in);
-  read_double(in, max_exact_distance);
+  read_keyed_double(in, max_exact_distance);
   if (version >= 3) {
-    skip_token(in);
-    read_double(in, exact_sharpening_factor);
+    read_keyed_double(in, exact_sharpening_factor);
   } else {
     exact_sharpening_factor = 1.0;
   }
-  skip_token(in);
-  include = ocean_include_code(read_word(in).c_str());
+  include = ocean_include_code(read_keyed_text(in).c_str());
   // Rays that serve nothing are no coupling; the lines after are read all
   // the same.
   if (include == ocean_include_nothing) external_exact = ocean_external_exact_none;
   if (version >= 5) {
-    skip_token(in);
-    reflection_method = ocean_reflection_method_code(read_word(in).c_str());
+    reflection_method = ocean_reflection_method_code(read_keyed_text(in).c_str());
     shadow_method = read_switch(in);
     if (shadow_method) {
-      skip_token(in);
-      read_double(in, max_shadow_fraction);
-      skip_token(in);
-      read_double(in, shadow_distance);
+      read_keyed_double(in, max_shadow_fraction);
+      read_keyed_double(in, shadow_distance);
     }
   } else {
     reflection_method = ocean_reflection_specular;
@@ -512,8 +476,7 @@ int ocean_input::read_external_exact(std::istream& in, int version) {
 }
 
 int ocean_input::read_glitter(std::istream& in) {
-  skip_token(in);
-  glitter = ocean_glitter_code(read_word(in).c_str());
+  glitter = ocean_glitter_code(read_keyed_text(in).c_str());
   if (!glitter_is_enhanced(glitter)) {
     // No sharpening or saturation lines: neither is in use.
     sharpening_type = 0;
@@ -522,18 +485,15 @@ int ocean_input::read_glitter(std::istream& in) {
   }
   sharpening_type = read_switch(in);
   if (sharpening_type) {
-    skip_token(in);
-    read_token(in, sharpening_file, text_block);
+    read_keyed_word(in, sharpening_file, text_block);
     if (in && !read_sharpening(sharpening_file)) {
       std::cout << "error in processeing sharpening file " << sharpening_file << "\n";
       return 0;
     }
   } else {
-    skip_token(in);
-    read_double(in, sharpening_factor);
+    read_keyed_double(in, sharpening_factor);
   }
-  skip_token(in);
-  read_double(in, glitter_threshold);
+  read_keyed_double(in, glitter_threshold);
   saturation_type = read_switch(in);
   return 1;
 }
@@ -546,8 +506,7 @@ int ocean_input::read_whitecaps_and_textures(std::istream& in, int version) {
   }
   whitecaps = read_switch(in);
   if (whitecaps) {
-    skip_token(in);
-    read_token(in, whitecap_file, text_block);
+    read_keyed_word(in, whitecap_file, text_block);
     if (in && !read_whitecaps(whitecap_file)) {
       std::cout << "unable to read whitecaps file " << whitecap_file << "\n";
       return 0;
@@ -566,15 +525,15 @@ int ocean_input::read_exclusions(std::istream& in, int version) {
   exclude_mask = 0;
   if (version < 4) return 1;
   if (!read_switch(in)) return 1;
-  skip_token(in);
   int count = 0;
-  if (!read_int(in, count)) return 1;
+  if (!read_keyed_int(in, count)) return 1;
   if (count < 1 || count > 3) {
     std::cout << "unable to exclude items from ocean texture\n";
     return 0;
   }
   for (int i = 0; i < count; i++) {
-    const std::string word = read_word(in);
+    std::string word;
+    in >> word;
     if (!in) return 1;
     const int item = ocean_exclude_item_code(word.c_str());
     if (item == 0) return 0;  // the word table has said why
@@ -584,11 +543,10 @@ int ocean_input::read_exclusions(std::istream& in, int version) {
 }
 
 int ocean_input::read_bands(std::istream& in) {
-  skip_token(in);
   int count = 0;
   // A count that does not read leaves the stream failed: the closing check
   // shows where.
-  if (!read_int(in, count)) return 1;
+  if (!read_keyed_int(in, count)) return 1;
   if (count < 1) {
     std::cout << "number of bands must be positive "
               << "\n";
@@ -626,11 +584,9 @@ int ocean_input::read_bands(std::istream& in) {
                 << "\n";
       return 0;
     }
-    skip_token(in);
     int band = 0;
-    if (read_int(in, band)) saturation_band = wrapped_sum(band, -1);
-    skip_token(in);
-    read_double(in, saturation_threshold);
+    if (read_keyed_int(in, band)) saturation_band = wrapped_sum(band, -1);
+    read_keyed_double(in, saturation_threshold);
     skip_token(in);
     read_doubles(in, sub_saturation_scale, count);
     skip_token(in);

@@ -55,15 +55,43 @@ void replace(double*& target, double* values) {
   target = values;
 }
 
-std::string read_word(std::istream& in) {
-  std::string word;
-  in >> word;
-  return word;
+// What a table side file prints when it cannot be opened, when its count is
+// below 1 and when memory runs out.
+struct Table_words {
+  const char* open_failure;
+  const char* count_failure;
+  const char* allocation_failure;
+};
+
+// A table side file: a count after its keyword (1 at least), a heading word
+// a column, then count rows of n_columns values, angle_column in degrees on
+// file. New arrays in columns for the caller; 0 after a message, or silently
+// when the rows are cut short (the ocean then names the file).
+int read_table_file(const char* name, const Table_words& words, int n_columns, int angle_column,
+                    double** columns, int& count) {
+  std::ifstream in;
+  if (!open_input_file(in, name, words.open_failure)) return 0;
+  int n_rows = 0;
+  read_keyed_int(in, n_rows);
+  if (n_rows < 1) {
+    std::cout << words.count_failure << "\n";
+    return 0;
+  }
+  for (int j = 0; j < n_columns; j++) skip_token(in);
+  const int outcome = read_rows(in, n_rows, n_columns, columns);
+  if (outcome == rows_out_of_memory) {
+    std::cout << words.allocation_failure << "\n";
+    return 0;
+  }
+  if (outcome != rows_read) return 0;
+  double* angles = columns[angle_column];
+  for (int i = 0; i < n_rows; i++) angles[i] = radians_from_file(angles[i]);
+  count = n_rows;
+  return 1;
 }
 
 void read_pair(std::istream& in, double& first, double& second) {
-  skip_token(in);
-  read_double(in, first);
+  read_keyed_double(in, first);
   read_double(in, second);
 }
 
@@ -85,26 +113,13 @@ int names_frame_file(int mode) {
 // ---- Variable wind ----
 
 int ocean_input::read_variable_wind(const char* name) {
-  std::ifstream in;
-  if (!open_input_file(in, name, "Error reading variable wind  file ")) return 0;
-  skip_token(in);
-  int count = 0;
-  read_int(in, count);
-  if (count < 1) {
-    std::cout << "number of variable wind values must be postive "
-              << "\n";
-    return 0;
-  }
-  for (int i = 0; i < 3; i++) skip_token(in);  // "time", "speed", "direction"
+  // Headings "time", "speed", "direction".
+  const Table_words words = {"Error reading variable wind  file ",
+                             "number of variable wind values must be postive ",
+                             "unable to allocate variable wind array "};
   double* columns[3];
-  const int outcome = read_rows(in, count, 3, columns);
-  if (outcome == rows_out_of_memory) {
-    std::cout << "unable to allocate variable wind array "
-              << "\n";
-    return 0;
-  }
-  if (outcome != rows_read) return 0;  // cut short: the ocean reports the file
-  for (int i = 0; i < count; i++) columns[2][i] = radians_from_file(columns[2][i]);
+  int count = 0;
+  if (!read_table_file(name, words, 3, 2, columns, count)) return 0;
   replace(wind_time, columns[0]);
   replace(wind_speed, columns[1]);
   replace(wind_direction_series, columns[2]);
@@ -129,27 +144,13 @@ int ocean_input::write_variable_wind(const char* name) const {
 // ---- Sharpening ----
 
 int ocean_input::read_sharpening(const char* name) {
-  std::ifstream in;
-  if (!open_input_file(in, name, "Error reading sharpening file ")) return 0;
-  skip_token(in);
-  int count = 0;
-  read_int(in, count);
-  if (count < 1) {
-    std::cout << "number of sharpening angles must be postive "
-              << "\n";
-    return 0;
-  }
-  skip_token(in);  // "angle"
-  skip_token(in);  // "sharpness"
+  // Headings "angle", "sharpness".
+  const Table_words words = {"Error reading sharpening file ",
+                             "number of sharpening angles must be postive ",
+                             "unable to allocate glitter sharpening array "};
   double* columns[2];
-  const int outcome = read_rows(in, count, 2, columns);
-  if (outcome == rows_out_of_memory) {
-    std::cout << "unable to allocate glitter sharpening array "
-              << "\n";
-    return 0;
-  }
-  if (outcome != rows_read) return 0;
-  for (int i = 0; i < count; i++) columns[0][i] = radians_from_file(columns[0][i]);
+  int count = 0;
+  if (!read_table_file(name, words, 2, 0, columns, count)) return 0;
   replace(sharpening_angle, columns[0]);
   replace(sharpening_value, columns[1]);
   n_sharpening_angles = count;
@@ -188,51 +189,34 @@ int ocean_input::read_whitecap_stream(std::istream& in, const char* name) {
   read_pair(in, whitecap_center_x, whitecap_center_y);
   read_pair(in, whitecap_length_x, whitecap_length_y);
   read_pair(in, whitecap_interval_x, whitecap_interval_y);
-  skip_token(in);
-  read_double(in, whitecap_max_distance);
-  skip_token(in);
-  read_double(in, whitecap_reference_time);
-  skip_token(in);
-  read_double(in, whitecap_time_increment);
-  skip_token(in);
-  read_double(in, whitecap_initialization_time);
+  read_keyed_double(in, whitecap_max_distance);
+  read_keyed_double(in, whitecap_reference_time);
+  read_keyed_double(in, whitecap_time_increment);
+  read_keyed_double(in, whitecap_initialization_time);
   if (version >= 2) {
-    skip_token(in);
-    read_double(in, whitecap_initialization_increment);
-    skip_token(in);
-    read_double(in, whitecap_formation_time);
+    read_keyed_double(in, whitecap_initialization_increment);
+    read_keyed_double(in, whitecap_formation_time);
   } else {
     // The spin-up steps as the run does, and foam appears at once.
     whitecap_initialization_increment = whitecap_time_increment;
     whitecap_formation_time = 0.0;
   }
-  skip_token(in);
-  read_double(in, whitecap_decay_time);
+  read_keyed_double(in, whitecap_decay_time);
   read_pair(in, acceleration_threshold_low, acceleration_threshold_high);
   read_pair(in, whitecap_reflectivity_low, whitecap_reflectivity_high);
-  skip_token(in);
-  read_double(in, smear_x);
+  read_keyed_double(in, smear_x);
   read_double(in, smear_y);
   read_double(in, smear_t);
-  skip_token(in);
-  read_double(in, acceleration_time_offset);
+  read_keyed_double(in, acceleration_time_offset);
 
   whitecap_generation = whitecap_generation_none;
   if (version >= 2) {
-    skip_token(in);
-    whitecap_generation = whitecap_generation_code(read_word(in).c_str());
-    if (names_state_file(whitecap_generation)) {
-      skip_token(in);
-      read_token(in, initial_state_file, text_block);
-    }
-    if (names_frame_file(whitecap_generation)) {
-      skip_token(in);
-      read_token(in, frame_file, text_block);
-    }
+    whitecap_generation = whitecap_generation_code(read_keyed_text(in).c_str());
+    if (names_state_file(whitecap_generation)) read_keyed_word(in, initial_state_file, text_block);
+    if (names_frame_file(whitecap_generation)) read_keyed_word(in, frame_file, text_block);
   }
 
-  skip_token(in);
-  fluctuation_mode = whitecap_fluctuations_code(read_word(in).c_str());
+  fluctuation_mode = whitecap_fluctuations_code(read_keyed_text(in).c_str());
   if (fluctuation_mode == whitecap_fluctuations_lattice) {
     if (!read_fluctuations(in)) {
       std::cout << "unable to read in small scale fluctuation parameters of whitecap"
@@ -259,20 +243,14 @@ int ocean_input::read_whitecap_stream(std::istream& in, const char* name) {
 }
 
 int ocean_input::read_fluctuations(std::istream& in) {
-  skip_token(in);
-  read_int(in, fluctuation_n_x);
+  read_keyed_int(in, fluctuation_n_x);
   read_int(in, fluctuation_n_y);
   read_pair(in, fluctuation_dx, fluctuation_dy);
-  skip_token(in);
-  read_int(in, fluctuation_seed);
-  skip_token(in);
-  read_double(in, fluctuation_length_scale);
-  skip_token(in);
-  read_double(in, fluctuation_power_law);
-  skip_token(in);
-  read_double(in, fluctuation_time_scale);
-  skip_token(in);
-  read_double(in, fluctuation_log_normal_width);
+  read_keyed_int(in, fluctuation_seed);
+  read_keyed_double(in, fluctuation_length_scale);
+  read_keyed_double(in, fluctuation_power_law);
+  read_keyed_double(in, fluctuation_time_scale);
+  read_keyed_double(in, fluctuation_log_normal_width);
   std::string word;
   return read_end_word(in, word);
 }

@@ -322,6 +322,106 @@ TEST(Numbers, FailedStreamReadsNothingMore) {
   EXPECT_EQ(d, 1.0);
 }
 
+// Keyword-then-value lines.
+
+TEST(KeyedValues, KeywordIsDroppedUnreadAndTheValueTaken) {
+  std::istringstream in(
+      "n_points_x: 256 dx 0.5 spectrum_file: sea.dat detail_file: ocean_grid.dat 12 34 next");
+  int n = 0;
+  double dx = 0.0;
+  char name[16] = "";
+  char short_name[6] = "";
+  int number_as_keyword = 0;
+  EXPECT_EQ(read_keyed_int(in, n), 1);
+  EXPECT_EQ(n, 256);
+  EXPECT_EQ(read_keyed_double(in, dx), 1);
+  EXPECT_EQ(dx, 0.5);
+  EXPECT_EQ(read_keyed_word(in, name, sizeof(name)), 1);
+  EXPECT_STREQ(name, "sea.dat");
+  // A word longer than the buffer is cut to fit and consumed whole.
+  EXPECT_EQ(read_keyed_word(in, short_name, sizeof(short_name)), 1);
+  EXPECT_STREQ(short_name, "ocean");
+  // Only the order counts: even a number in the keyword's place is dropped.
+  EXPECT_EQ(read_keyed_int(in, number_as_keyword), 1);
+  EXPECT_EQ(number_as_keyword, 34);
+  char rest[8] = "";
+  EXPECT_EQ(read_token(in, rest, sizeof(rest)), 1);
+  EXPECT_STREQ(rest, "next");
+}
+
+TEST(KeyedValues, ValueThatDoesNotReadKeepsTheOldOneAndFailsTheStream) {
+  std::istringstream in("n_points_x: many");
+  int n = 64;
+  EXPECT_EQ(read_keyed_int(in, n), 0);
+  EXPECT_EQ(n, 64);
+  EXPECT_TRUE(in.fail());
+
+  std::istringstream in_double("dx: x0.5");
+  double dx = 0.25;
+  EXPECT_EQ(read_keyed_double(in_double, dx), 0);
+  EXPECT_EQ(dx, 0.25);
+  EXPECT_TRUE(in_double.fail());
+}
+
+TEST(KeyedValues, KeywordWithNothingAfterItKeepsTheOldValues) {
+  int n = 3;
+  double d = -2.0;
+  std::istringstream only_keyword("n_points_x:");
+  EXPECT_EQ(read_keyed_int(only_keyword, n), 0);
+  std::istringstream empty("");
+  EXPECT_EQ(read_keyed_double(empty, d), 0);
+  EXPECT_EQ(n, 3);
+  EXPECT_EQ(d, -2.0);
+}
+
+TEST(KeyedValues, FailedStreamReadsNothingMore) {
+  std::istringstream in("a: bad b: 5 c: 6.5 d: name e: 90");
+  int a = 1, b = 2;
+  double c = 3.0, e = 4.0;
+  char word[8] = "old";
+  EXPECT_EQ(read_keyed_int(in, a), 0);
+  EXPECT_EQ(read_keyed_int(in, b), 0);
+  EXPECT_EQ(read_keyed_double(in, c), 0);
+  EXPECT_EQ(read_keyed_word(in, word, sizeof(word)), 0);
+  EXPECT_EQ(read_keyed_angle(in, e), 0);
+  EXPECT_EQ(a, 1);
+  EXPECT_EQ(b, 2);
+  EXPECT_EQ(c, 3.0);
+  EXPECT_EQ(e, 4.0);
+  // As read_token: an unread word leaves the buffer empty.
+  EXPECT_STREQ(word, "");
+}
+
+TEST(KeyedValues, TextIsTheWholeWordAfterTheKeyword) {
+  const std::string long_word(300, 'w');
+  std::istringstream in("glitter: enhanced name: " + long_word + " last:");
+  EXPECT_EQ(read_keyed_text(in), "enhanced");
+  EXPECT_EQ(read_keyed_text(in), long_word);
+  // Nothing after the keyword: an empty word and a failed stream.
+  EXPECT_EQ(read_keyed_text(in), "");
+  EXPECT_TRUE(in.fail());
+}
+
+TEST(KeyedValues, AngleOnFileIsDegreesWithTheTenDigitPi) {
+  // python3: 90 * 0.017453292519444445 = 1.57079632675,
+  // -45 * 0.017453292519444445 = -0.785398163375.
+  std::istringstream in("direction: 90 orientation: -45");
+  double direction = 0.0, orientation = 0.0;
+  EXPECT_EQ(read_keyed_angle(in, direction), 1);
+  EXPECT_EQ(direction, 0x1.921fb54411744p+0);
+  EXPECT_NE(direction, 1.5707963267948966);
+  EXPECT_EQ(read_keyed_angle(in, orientation), 1);
+  EXPECT_EQ(orientation, -0x1.921fb54411744p-1);
+}
+
+TEST(KeyedValues, AngleThatDoesNotReadKeepsTheOldRadians) {
+  std::istringstream in("direction: north");
+  double direction = 0.25;
+  EXPECT_EQ(read_keyed_angle(in, direction), 0);
+  EXPECT_EQ(direction, 0.25);
+  EXPECT_TRUE(in.fail());
+}
+
 // Angles keep the ten-digit pi. Expected values computed independently with
 // python3 from 0.017453292519444445 and 180.0 / 3.1415926535.
 
