@@ -195,39 +195,19 @@ int Boat_details_input::read_hull_points(std::istream& in) {
     allocate_hull(0);
     return 1;
   }
-  // Grown as points arrive, so that a count the file cannot back costs no
-  // memory.
-  int capacity = first_capacity(count);
-  double* xs = new_locations(capacity);
-  double* ys = xs ? new_locations(capacity) : nullptr;
-  int n_read = 0;
-  while (ys != nullptr && n_read < count) {
-    if (n_read == capacity) {
-      capacity = next_capacity(capacity, count);
-      double* more_x = grown(xs, n_read, capacity);
-      double* more_y = more_x ? grown(ys, n_read, capacity) : nullptr;
-      delete[] xs;
-      delete[] ys;
-      xs = more_x;
-      ys = more_y;
-      if (ys == nullptr) break;
-    }
-    if (!read_double(in, xs[n_read]) || !read_double(in, ys[n_read])) break;
-    n_read++;
-  }
-  if (ys == nullptr) {
-    delete[] xs;
+  double* columns[2] = {nullptr, nullptr};
+  int failed_column = -1;
+  const int outcome = read_double_rows(in, count, 2, columns, failed_column);
+  if (outcome == rows_out_of_memory) {
     std::cout << location_allocation << "\n"
               << "unable to allocate location arrays "
               << "\n";
     return 0;
   }
-  if (n_read < count) {
-    // The stream has failed; the closing word reports it.
-    delete[] xs;
-    delete[] ys;
-    return 1;
-  }
+  // A cut list has failed the stream; the closing word reports it.
+  if (outcome != rows_read) return 1;
+  double* xs = columns[0];
+  double* ys = columns[1];
   release_hull();
   number_of_hull_points = count;
   hull_x = xs;

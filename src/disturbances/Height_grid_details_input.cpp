@@ -148,47 +148,19 @@ int Height_grid_details_input::read_detail_file(std::istream& in) {
     }
     skip_token(in);
     skip_token(in);
-    // Grown as rows arrive, so that a count the file cannot back costs no
-    // memory.
-    int capacity = first_capacity(count);
-    double* times = new_keys(capacity, time_allocation);
-    double* scales = times ? new_keys(capacity, kind_.scaling_allocation) : nullptr;
-    int n_read = 0;
-    while (scales != nullptr && n_read < count) {
-      if (n_read == capacity) {
-        capacity = next_capacity(capacity, count);
-        double* more_times = grown(times, n_read, capacity);
-        double* more_scales = more_times ? grown(scales, n_read, capacity) : nullptr;
-        delete[] times;
-        delete[] scales;
-        times = more_times;
-        scales = more_scales;
-        if (more_times == nullptr) {
-          std::cout << time_allocation << "\n";
-          break;
-        }
-        if (more_scales == nullptr) {
-          std::cout << kind_.scaling_allocation << "\n";
-          break;
-        }
-      }
-      if (!read_double(in, times[n_read]) || !read_double(in, scales[n_read])) break;
-      n_read++;
-    }
-    if (times == nullptr || scales == nullptr) {
-      delete[] times;
-      delete[] scales;
+    double* columns[2] = {nullptr, nullptr};
+    int failed_column = -1;
+    const int outcome = read_double_rows(in, count, 2, columns, failed_column);
+    if (outcome == rows_out_of_memory) {
+      std::cout << (failed_column == 0 ? time_allocation : kind_.scaling_allocation) << "\n";
       return 0;
     }
-    if (n_read == count) {
+    // A cut table has failed the stream; the closing word reports it.
+    if (outcome == rows_read) {
       release_keys();
       number_of_key_times = count;
-      key_times = times;
-      key_scales = scales;
-    } else {
-      // The stream has failed; the closing word reports it.
-      delete[] times;
-      delete[] scales;
+      key_times = columns[0];
+      key_scales = columns[1];
     }
   }
   return check_end_after_fields(in, "unable to process height grid stream ");

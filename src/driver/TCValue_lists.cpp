@@ -97,3 +97,38 @@ void delete_band_lists(double** lists, int n_lists) {
     lists[i] = nullptr;
   }
 }
+
+int read_double_rows(std::istream& in, int count, int n_columns, double** columns,
+                     int& failed_column) {
+  failed_column = -1;
+  int capacity = first_capacity(count);
+  int outcome = rows_read;
+  for (int j = 0; j < n_columns; j++) {
+    columns[j] = new (std::nothrow) double[capacity > 0 ? capacity : 1]();
+    if (columns[j] == nullptr && outcome == rows_read) {
+      outcome = rows_out_of_memory;
+      failed_column = j;
+    }
+  }
+  for (int row = 0; outcome == rows_read && row < count; row++) {
+    if (row == capacity) {
+      const int new_capacity = next_capacity(capacity, count);
+      for (int j = 0; j < n_columns; j++) {
+        double* more = grown(columns[j], row, new_capacity);
+        if (more == nullptr) {
+          outcome = rows_out_of_memory;
+          failed_column = j;
+          break;
+        }
+        delete[] columns[j];
+        columns[j] = more;
+      }
+      capacity = new_capacity;
+    }
+    for (int j = 0; j < n_columns && outcome == rows_read; j++) {
+      if (!read_double(in, columns[j][row])) outcome = rows_cut_short;
+    }
+  }
+  if (outcome != rows_read) delete_band_lists(columns, n_columns);
+  return outcome;
+}

@@ -36,6 +36,16 @@ double* new_band_values(int count, double value);
 // n_lists new arrays of count zeros each (room for one at least); all or
 // none: 0, every entry null, when memory runs out.
 int new_band_lists(int count, double** lists, int n_lists);
+// What read_double_rows found.
+const int rows_read = 1;
+const int rows_cut_short = 0;
+const int rows_out_of_memory = -1;
+// count rows of n_columns doubles into new arrays (columns[j], room for count
+// entries, one at least) that grow as rows arrive, so that a wild count in a
+// short file costs nothing. On anything but rows_read every column is null;
+// out of memory, failed_column names the column whose array could not be had.
+int read_double_rows(std::istream& in, int count, int n_columns, double** columns,
+                     int& failed_column);
 // Deletes the n_lists arrays and nulls them.
 void delete_band_lists(double** lists, int n_lists);
 

@@ -14,42 +14,6 @@ namespace {
 const int text_block = 256;
 const int whitecap_file_version = 2;
 
-const int rows_read = 1;
-const int rows_cut_short = 0;
-const int rows_out_of_memory = -1;
-
-// count rows of n_columns doubles into new arrays (columns[j], each of count
-// entries) that grow as rows arrive, so a wild count in a short file costs
-// nothing. On anything but rows_read every column is null.
-int read_rows(std::istream& in, int count, int n_columns, double** columns) {
-  int capacity = first_capacity(count);
-  int outcome = rows_read;
-  for (int j = 0; j < n_columns; j++) {
-    columns[j] = new (std::nothrow) double[capacity > 0 ? capacity : 1]();
-    if (columns[j] == nullptr) outcome = rows_out_of_memory;
-  }
-  for (int row = 0; outcome == rows_read && row < count; row++) {
-    if (row == capacity) {
-      const int new_capacity = next_capacity(capacity, count);
-      for (int j = 0; j < n_columns && outcome == rows_read; j++) {
-        double* more = grown(columns[j], row, new_capacity);
-        if (more == nullptr) {
-          outcome = rows_out_of_memory;
-          break;
-        }
-        delete[] columns[j];
-        columns[j] = more;
-      }
-      capacity = new_capacity;
-    }
-    for (int j = 0; j < n_columns && outcome == rows_read; j++) {
-      if (!read_double(in, columns[j][row])) outcome = rows_cut_short;
-    }
-  }
-  if (outcome != rows_read) delete_band_lists(columns, n_columns);
-  return outcome;
-}
-
 void replace(double*& target, double* values) {
   delete[] target;
   target = values;
@@ -78,7 +42,8 @@ int read_table_file(const char* name, const Table_words& words, int n_columns, i
     return 0;
   }
   for (int j = 0; j < n_columns; j++) skip_token(in);
-  const int outcome = read_rows(in, n_rows, n_columns, columns);
+  int failed_column = -1;
+  const int outcome = read_double_rows(in, n_rows, n_columns, columns, failed_column);
   if (outcome == rows_out_of_memory) {
     std::cout << words.allocation_failure << "\n";
     return 0;
