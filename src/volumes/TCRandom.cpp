@@ -83,10 +83,19 @@ double TCRandom::gaussian() {
   }
   // Two draws in this order: the angle's, then the radius's.
   const double angle = uniform() * tc_two_pi;
-  const double radius = std::sqrt(-2.0 * std::log(uniform()));
+  double u = uniform();
+  // ln 0 would make the radius, and every wave built on it, infinite. The
+  // draw 0 stands for the first step of the family's grid of values.
+  if (u == 0.0) u = smallest_radius_draw();
+  const double radius = std::sqrt(-2.0 * std::log(u));
   spare = radius * std::sin(angle);
   have_spare = 1;
   return radius * std::cos(angle);
+}
+
+double TCRandom::smallest_radius_draw() const {
+  if (generator_type == random_library_generator) return 0.5 / 32767.0;
+  return 0.5 * rm2 * rm1;
 }
 
 double TCRandom::random_gaussian() {

@@ -19,13 +19,17 @@ class TCRandom {
 
   // Restarts the sequence of this seed and drops a pending Gaussian spare.
   void seed_generator(int s);
-  // Family 902: in [0, 1). Family 901: rand() / 32767.0, so the range follows
-  // the library's RAND_MAX. Used before any seed_generator it prints
+  // Family 902: in [0, 1). Family 901: the low 15 bits of rand() / 32767.0,
+  // so in [0, 1] (both ends included) whatever the library's RAND_MAX. Used
+  // before any seed_generator it prints
   // "attempt to use uninitialized random number generator" and exits 1.
   double uniform();
   // Unit-variance normal deviate by Box-Muller, made in pairs: every second
-  // call returns the spare of the one before.
+  // call returns the spare of the one before. Always finite: a radius draw of
+  // exactly 0 is taken as half the family's smallest draw above 0.
   double gaussian();
+  // That stand-in: 0.5 / 32767 for family 901, 0.5 / (m1 m2) for 902.
+  double smallest_radius_draw() const;
   // The spray's deviate: family 901 sums 12 uniforms and subtracts 6.0;
   // family 902 is gaussian().
   double random_gaussian();

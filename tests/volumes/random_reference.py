@@ -64,7 +64,13 @@ class Shuffled:
             value, self.spare = self.spare, None
             return value
         angle = self.uniform() * TWO_PI
-        radius = math.sqrt(-2.0 * math.log(self.uniform()))
+        u = self.uniform()
+        if u == 0.0:
+            # Half the smallest draw above 0; no seed reaches a 0 draw (the
+            # first two states are never both multiples of 8 at one step),
+            # but the rule is the generator's.
+            u = 0.5 * RM2 * RM1
+        radius = math.sqrt(-2.0 * math.log(u))
         self.spare = radius * math.sin(angle)
         return radius * math.cos(angle)
 

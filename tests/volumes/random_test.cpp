@@ -403,3 +403,90 @@ TEST(Random, LibraryFamilyStaysWithinZeroAndOne) {
     ASSERT_LE(u, 1.0) << k;
   }
 }
+
+namespace {
+
+// Puts a 0 in every slot of the shuffle table, a value no seed of family 902
+// reaches but which the generator must survive all the same.
+class Zero_table : public TCRandom {
+ public:
+  Zero_table() : TCRandom(random_own_generator) {}
+  void zero_table() {
+    for (int j = 0; j < table_size; j++) table[j] = 0.0;
+  }
+};
+
+// The first seed from 1 whose library sequence has a draw with low 15 bits 0
+// in a radius place (the second of a Box-Muller pair) within draws draws;
+// 0 if none does up to last_seed.
+int seed_with_zero_radius_draw(int draws, int last_seed, int& place) {
+  for (int seed = 1; seed <= last_seed; seed++) {
+    std::srand(static_cast<unsigned int>(seed));
+    for (int k = 0; k < draws; k++) {
+      if ((std::rand() & 0x7fff) == 0 && k % 2 == 1) {
+        place = k;
+        return seed;
+      }
+    }
+  }
+  return 0;
+}
+
+}  // namespace
+
+TEST(Random, LibraryFamilyGaussianIsFiniteWhenARadiusDrawIsZero) {
+  int place = 0;
+  const int seed = seed_with_zero_radius_draw(2000, 3000, place);
+  ASSERT_NE(seed, 0) << "no zero draw found to reproduce";
+
+  // Every deviate by hand from the library's own draws: the usual pair where
+  // the radius draw is above 0, and the radius sqrt(-2 ln(0.5 / 32767)) where
+  // it is 0.
+  std::srand(static_cast<unsigned int>(seed));
+  std::vector<double> expected;
+  for (int k = 0; k <= place + 4; k += 2) {
+    const double angle = (std::rand() & 0x7fff) / 32767.0 * 6.283185307;
+    const int r = std::rand() & 0x7fff;
+    const double radius = r == 0 ? std::sqrt(-2.0 * std::log(0.5 / 32767.0))
+                                 : std::sqrt(-2.0 * std::log(r / 32767.0));
+    expected.push_back(radius * std::cos(angle));
+    expected.push_back(radius * std::sin(angle));
+  }
+  TCRandom g(random_library_generator);
+  g.seed_generator(seed);
+  for (size_t k = 0; k < expected.size(); k++) {
+    const double value = g.gaussian();
+    ASSERT_TRUE(std::isfinite(value)) << "seed " << seed << " deviate " << k;
+    EXPECT_EQ(value, expected[k]) << "seed " << seed << " deviate " << k;
+  }
+  // The zero draw's pair has the largest radius the family can give.
+  const double pair = std::hypot(expected[place - 1], expected[place]);
+  EXPECT_NEAR(pair, 4.70963, 0.00001);
+}
+
+TEST(Random, OwnFamilyGaussianIsFiniteWhenATableEntryIsZero) {
+  Zero_table g;
+  g.seed_generator(17);
+  g.zero_table();
+  // Angle draw 0 and radius draw 0: cos 0 = 1, so the deviate is the radius
+  // of half the smallest step, sqrt(2 ln(2 m1 m2)) = 7.06647..., and the spare
+  // sin 0 = 0.
+  const double first = g.gaussian();
+  ASSERT_TRUE(std::isfinite(first));
+  EXPECT_NEAR(first, std::sqrt(2.0 * std::log(2.0 * 259200.0 * 134456.0)), 1e-12);
+  EXPECT_NEAR(first, 7.06647, 0.00001);
+  EXPECT_EQ(g.gaussian(), 0.0);
+}
+
+TEST(Random, GaussiansOfBothFamiliesAreFiniteOverManySeeds) {
+  for (int family = random_library_generator; family <= random_own_generator; family++) {
+    TCRandom g(family);
+    for (int seed = 1; seed <= 300; seed++) {
+      g.seed_generator(seed);
+      for (int k = 0; k < 2000; k++) {
+        const double value = g.gaussian();
+        ASSERT_TRUE(std::isfinite(value)) << family << " seed " << seed << " deviate " << k;
+      }
+    }
+  }
+}
