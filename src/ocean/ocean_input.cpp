@@ -54,6 +54,32 @@ const char* shadow_word(int code) {
   return code == 0 ? "no" : (code == 1 ? "yes" : nullptr);
 }
 
+// A lattice filled by a real inverse transform (the wave spectra and the
+// swell) pairs each row and column with its mirror, which an odd count cannot
+// do, and the transform refuses an odd n_points_x. Such a lattice is refused
+// here, naming it and the count; 1 when both counts are even.
+int lattice_is_even(const TCGrid_details_input& grid, const std::string& lattice) {
+  const char* axis = nullptr;
+  int count = 0;
+  if (grid.n_x % 2 != 0) {
+    axis = "n_points_x";
+    count = grid.n_x;
+  } else if (grid.n_y % 2 != 0) {
+    axis = "n_points_y";
+    count = grid.n_y;
+  }
+  if (axis == nullptr) return 1;
+  std::cout << lattice << " lattice has an odd " << axis << " of " << count
+            << ": wave lattices need even numbers of points"
+            << "\n";
+  return 0;
+}
+
+// The disturbances whose lattice a wave spectrum fills.
+int disturbance_is_spectral(int code) {
+  return code == ocean_disturbance_grid || code == ocean_disturbance_swell;
+}
+
 }  // namespace
 
 ocean_input::ocean_input()
@@ -351,6 +377,7 @@ int ocean_input::read_grids(std::istream& in) {
               << "\n";
     return 0;
   }
+  if (!lattice_is_even(primary_grid, "primary")) return 0;
   read_keyed_int(in, number_aux_oceans);
   // However many further oceans are named, one block follows; the object
   // refuses more than one.
@@ -360,6 +387,7 @@ int ocean_input::read_grids(std::istream& in) {
                 << "\n";
       return 0;
     }
+    if (!lattice_is_even(secondary_grid, "secondary")) return 0;
     secondary_grid.periodic_x = primary_grid.periodic_x;
     secondary_grid.periodic_y = primary_grid.periodic_y;
   }
@@ -387,6 +415,10 @@ int ocean_input::read_disturbances(std::istream& in, int version) {
     }
     if (!record->read_grid_block(in)) {
       std::cout << "unable to process disturbance stream of " << word << "\n";
+      return 0;
+    }
+    if (disturbance_is_spectral(record->field_code) &&
+        !lattice_is_even(*record, "disturbance " + std::to_string(i + 1) + " (" + word + ")")) {
       return 0;
     }
     if (!record->read_file(record->detail_file)) {
