@@ -167,8 +167,9 @@ void TCGrid::bilinear_nodes(double a, double b, long long ii[2], long long jj[2]
 
 double TCGrid::height_at_node(int i, int j) {
   long long element = 0;
-  double h = tc_nothing_below + z_offset;
-  if (node_element(i, j, element)) h = height[element] + z_offset;
+  // Off the lattice the marker stays as it is: squared, it would be a spike.
+  if (!node_element(i, j, element)) return tc_nothing_below + z_offset;
+  double h = height[element] + z_offset;
   if (cusp_on) h = cusped(h);
   return h;
 }
@@ -178,6 +179,7 @@ double TCGrid::height_at(double x, double y, int keep_flat) {
   double w[4];
   bilinear_nodes((x + offset_x) * inv_dx, (y + offset_y) * inv_dy, ii, jj, w);
   double sum = 0.0;
+  int off_lattice = 0;
   for (int k = 0; k < 4; k++) {
     // Node order (i, j), (i, j+1), (i+1, j), (i+1, j+1).
     long long element = 0;
@@ -185,10 +187,12 @@ double TCGrid::height_at(double x, double y, int keep_flat) {
       sum += w[k] * height[element];
     } else {
       sum -= tc_nothing;
+      off_lattice = 1;
     }
   }
   double h = sum + z_offset;
-  if (cusp_on) h = cusped(h);
+  // Cusps sharpen waves, not the far-below marker of a sample off the edge.
+  if (cusp_on && !off_lattice) h = cusped(h);
   if (round_flag == 1 && keep_flat == 0) h -= (x * x + y * y) * 0.5 / radius;
   return h;
 }
@@ -243,8 +247,11 @@ void TCGrid::slope_at(double x, double y, double& dzdx, double& dzdy, int keep_f
     cusp_on = 0;
     const double h0 = height_at(x, y, 1);
     cusp_on = 1;
-    dzdx += 2.0 * (h0 - z_offset) * cusp_factor * dzdx;
-    dzdy += 2.0 * (h0 - z_offset) * cusp_factor * dzdy;
+    // Past an open edge the height is the marker, which cusps leave alone.
+    if (h0 - z_offset > tc_nothing_below * 0.5) {
+      dzdx += 2.0 * (h0 - z_offset) * cusp_factor * dzdx;
+      dzdy += 2.0 * (h0 - z_offset) * cusp_factor * dzdy;
+    }
   }
   dzdx += round_x;
   dzdy += round_y;

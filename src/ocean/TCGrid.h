@@ -24,11 +24,14 @@ class TCGrid {
 
   virtual ~TCGrid();
   // Node height plus z_offset, wrapped on periodic axes; -99999999.0 plus
-  // z_offset off the lattice. Cusped when cusps are on.
+  // z_offset off the lattice. Cusped when cusps are on, the off-lattice
+  // value excepted.
   virtual double height_at_node(int i, int j);
   // World x, y in metres. Bilinear over four nodes; every node off the
   // lattice takes 99999999.0 off the sum, so an edge sample is far below
-  // any wave. Then z_offset, cusps, and the round drop unless keep_flat.
+  // any wave. Then z_offset, cusps (not on a sample that touches a node off
+  // the lattice, which stays far below), and the round drop unless
+  // keep_flat.
   virtual double height_at(double x, double y, int keep_flat);
   // Lowest and highest raw node height (no z_offset, no cusps).
   virtual void height_range(float& min, float& max);
