@@ -77,14 +77,20 @@ void matte_name(int code, char* buffer) {
 }
 
 int matte_file_name(const char* object_name, int code, const char* base, char* out, int length) {
+  char matte[matte_name_size];
+  matte_name(code, matte);
+  return matte_file_name_words(object_name, matte, base, out, length);
+}
+
+int matte_file_name_words(const char* object_name, const char* matte, const char* base, char* out,
+                          int length) {
   if (out == nullptr || length < 1) return 0;
+  if (matte == nullptr) matte = "";
   if (base == nullptr) base = "";
   const std::size_t base_length = std::strlen(base);
   const char last = base_length > 0 ? base[base_length - 1] : '\0';
   const bool own_separator = last == '.' || last == '_' || last == '-';
 
-  char matte[matte_name_size];
-  matte_name(code, matte);
   const bool scene = object_name == nullptr || std::strcmp(object_name, "scene") == 0;
 
   int written = 0;

@@ -19,5 +19,8 @@ void matte_name(int code, char* buffer);
 // "pic" gives "pic_boat_distance". Returns 0 if out is too short (the name
 // is then cut) or missing.
 int matte_file_name(const char* object_name, int code, const char* base, char* out, int length);
+// The same with the matte's words given instead of a code's name.
+int matte_file_name_words(const char* object_name, const char* words, const char* base, char* out,
+                          int length);
 
 #endif

@@ -33,15 +33,6 @@
 
 namespace {
 
-// strcmp as -1, 0 or 1. glibc gives the byte difference, so the lookup's
-// "equals 1" test would otherwise depend on the library and on the letters.
-int compare_sign(const char* a, const char* b) {
-  const int c = std::strcmp(a, b);
-  if (c > 0) return 1;
-  if (c < 0) return -1;
-  return 0;
-}
-
 // The kinds the surface queries look at: the ones a point can be under.
 int is_surface_kind(int type) {
   return type == TC_KIND_OCEAN || type == TC_KIND_AIR || type == TC_KIND_LAND;
@@ -291,6 +282,7 @@ void TCObject_list::image_pass(Pass pass, int* active, TCView& view, TCSpectrum*
     // The view starts inside this object, so nothing else can be seen.
     paint(pass, inside, view, *contour);
     if (contour->first_flag) {
+      if (pass != secondary_pass) contour->note_scene_of_lone_layer();
       if (radiance_out != nullptr) {
         for (int b = 0; b < n_bands; b++) {
           for (int row = 0; row < contour->n_rows && row < view.n_rows; row++) {
@@ -488,12 +480,6 @@ int TCObject_list::find_air() const {
 int TCObject_list::find_by_name(const char* name, int& index) const {
   index = -1;
   if (name == nullptr) return 0;
-  // Kept as it has always been: meant to catch "scene" (result 0), it catches
-  // every name after it instead, and lets "scene" itself through to the search.
-  if (compare_sign(name, "scene") == 1) {
-    index = n_objects;
-    return 1;
-  }
   for (int i = 0; i < n_objects && i < max_objects; i++) {
     if (objects[i] != nullptr && std::strcmp(name, objects[i]->get_name()) == 0) index = i;
   }

@@ -136,11 +136,9 @@ class TCObject_list {
   // Index of the last air object, or -1.
   int find_air() const;
 
-  // index starts at -1. A name that sorts after "scene" gives n_objects and 1
-  // at once, with no search (the comparison tests for a result of 1 rather
-  // than 0, and that is kept): callers test for "scene" themselves. Any other
-  // name is matched exactly against the object names, the last match winning;
-  // 0 when nothing matches.
+  // index starts at -1. The name is matched exactly against the object
+  // names, the last match winning; 0 when nothing matches. The word "scene"
+  // is not special here: callers that give it a meaning test for it first.
   int find_by_name(const char* name, int& index) const;
 
   // write_frame_data on every object. with_whitecaps asks an ocean to dump

@@ -27,10 +27,6 @@ const double half_angle_per_degree = 0.008726646259722222;
 // What the logarithm gives for a pixel with no light, in log10 units.
 const float log_of_nothing = -20.0f;
 
-// Distance mattes hold squared metres until the camera takes the root;
-// at and above this they mean "nothing here" and stay as they are.
-const double squared_distance_limit = 9e+07;
-
 // A normal shorter than this has no direction; it becomes straight up.
 const double shortest_normal = 0.0001;
 
@@ -474,6 +470,7 @@ void TCCamera::image_slice(Pass pass, const char* prefix, const char* frame_text
     }
   }
 
+  scene_radiance(planes, n_bands, n_pixels);
   rescale_slice(planes, n_bands, n_pixels);
   distances_and_normals(n_pixels);
   if (need_picture) write_planes(planes, prefix, frame_text, suffix, n_bands, picture_code);
@@ -526,6 +523,16 @@ void rescale_plane(float* plane, long n_pixels, int method, float gamma) {
 
 }  // namespace
 
+// The scene's radiance matte is the picture itself, rescaled with it.
+void TCCamera::scene_radiance(float** planes, int n_bands, long n_pixels) {
+  int first = 0, count = 0;
+  if (!mattes.is_wanted(mattes.n_objects, 0, first, count)) return;
+  for (int b = 0; b < n_bands && b < count; b++) {
+    float* plane = mattes.planes[mattes.n_objects][first + b];
+    for (long k = 0; k < n_pixels; k++) plane[k] = planes[b][k];
+  }
+}
+
 // Before sub-pixel averaging, so that it is the logarithm that is averaged.
 // Absorption and transmission are fractions and keep their scale under log.
 void TCCamera::rescale_slice(float** planes, int n_bands, long n_pixels) {
@@ -554,8 +561,10 @@ void TCCamera::distances_and_normals(long n_pixels) {
       int first = 0, count = 0;
       if (!mattes.is_wanted(object, codes[c], first, count)) continue;
       float* plane = mattes.planes[object][first];
+      // Every distance becomes metres; "nothing" (1e16 squared) becomes 1e8.
       for (long k = 0; k < n_pixels; k++) {
-        if (plane[k] < squared_distance_limit) plane[k] = static_cast<float>(std::sqrt(plane[k]));
+        if (plane[k] > 0.0f)
+          plane[k] = static_cast<float>(std::sqrt(static_cast<double>(plane[k])));
       }
     }
 
@@ -621,7 +630,7 @@ void TCCamera::write_slice_mattes(float** planes, int n_work, const char* prefix
       for (int p = n_planes; p < n_work; p++) {
         for (long k = 0; k < n_pixels; k++) planes[p][k] = 0.0f;
       }
-      matte_file_name(matte_object_name(object), code, prefix, matte_prefix, name_length);
+      this->matte_prefix(object, code, prefix, matte_prefix, name_length);
       write_planes(planes, matte_prefix, frame_text, suffix, n_planes, code);
     }
   }
@@ -840,8 +849,27 @@ void TCCamera::object_file_name(int object, int matte_code, const char* prefix,
     return;
   }
   char matte_prefix[name_length];
-  matte_file_name(matte_object_name(object), matte_code, prefix, matte_prefix, name_length);
+  this->matte_prefix(object, matte_code, prefix, matte_prefix, name_length);
   file_name(matte_code, matte_prefix, frame_text, suffix, out, length);
+}
+
+void TCCamera::matte_prefix(int object, int code, const char* prefix, char* out, int length) const {
+  int named = -1;
+  const char* kind = "";
+  if (code >= 22 && code <= 26) {
+    named = matte_request.alpha_objects[code - 22];
+    kind = "_alpha";
+  } else if (code >= 7 && code <= 11) {
+    named = matte_request.reflected_objects[code - 7];
+    kind = "_reflected";
+  }
+  if (named >= 0 && list != nullptr && named < list->n_objects && list->objects[named] != nullptr) {
+    char words[name_length];
+    std::snprintf(words, sizeof(words), "%s%s", list->objects[named]->get_name(), kind);
+    matte_file_name_words(matte_object_name(object), words, prefix, out, length);
+    return;
+  }
+  matte_file_name(matte_object_name(object), code, prefix, out, length);
 }
 
 const char* TCCamera::matte_object_name(int object) const {

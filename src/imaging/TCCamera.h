@@ -172,6 +172,8 @@ class TCCamera : public TCObject {
   void read_efficiency_mask(unsigned char* mask, int rows, int cols);
   void print_summary() const;
 
+  // The picture copied into the scene's radiance matte, when it is wanted.
+  void scene_radiance(float** planes, int n_bands, long n_pixels);
   void rescale_slice(float** planes, int n_bands, long n_pixels);
   void distances_and_normals(long n_pixels);
   void write_slice_mattes(float** planes, int n_work, const char* prefix, const char* frame_text,
@@ -188,6 +190,10 @@ class TCCamera : public TCObject {
   void object_file_name(int object, int matte_code, const char* prefix, const char* frame_text,
                         const char* suffix, char* out, int length) const;
   const char* matte_object_name(int object) const;
+  // Prefix of a matte file of object (the scene at the list's count): a
+  // matte that follows another object ("reflect-", "alpha-") is named after
+  // it, as "<name>_reflected" and "<name>_alpha".
+  void matte_prefix(int object, int code, const char* prefix, char* out, int length) const;
   // 1 when the request asks for a file of this matte for this object (or the
   // scene, at the list's object count).
   int matte_file_wanted(int object, int code) const;

@@ -8,14 +8,17 @@
 
 namespace {
 
-// Distance of a pixel nothing has painted yet, in metres (squared until the
-// camera takes the root).
-const float no_distance = 1e8f;
+// Distance of a pixel nothing has painted yet: the square of the "nothing"
+// distance (99999999 m), as distances are squared until the camera takes the
+// root, so that it comes out as 1e8 like every other "nothing".
+const float no_distance = 1e16f;
 
 const int coverage_code = 18;
 const int distance_code = 19;
 const int scene_distance_code = 20;
 const int normal_code = 32;
+const int first_alpha_code = 22;
+const int alpha_codes = 5;
 
 void allocation_failed(int step) {
   std::cout << "Error allocating matte memory - " << step << "\n";
@@ -125,7 +128,9 @@ TCMatte_fields::TCMatte_fields()
       code_wanted(nullptr),
       planes(nullptr),
       held_objects_(0),
-      held_table_(0) {}
+      held_table_(0) {
+  for (int k = 0; k < alpha_codes; k++) alpha_objects[k] = -1;
+}
 
 TCMatte_fields::~TCMatte_fields() {
   release();
@@ -181,6 +186,7 @@ void TCMatte_fields::prepare(int rows, int columns, int bands, const TCMatte_inp
   n_bands = bands;
   use_mattes = request.use_mattes;
   allocated = 1;
+  for (int k = 0; k < alpha_codes; k++) alpha_objects[k] = request.alpha_objects[k];
   if (use_mattes == 0) return;
 
   // Sizes no allocation can give fail like one that found no memory; a plane
@@ -221,7 +227,7 @@ void TCMatte_fields::prepare(int rows, int columns, int bands, const TCMatte_inp
       int first = 0;
       int count = 0;
       if (!plane_layout(code, n_bands, first, count)) continue;
-      const float start = code == distance_code ? no_distance : 0.0f;
+      const float start = code == distance_code || code == scene_distance_code ? no_distance : 0.0f;
       for (int p = first; p < first + count; p++) {
         if (planes[object][p] != nullptr) continue;
         float* plane = new (std::nothrow) float[plane_size];
@@ -289,6 +295,40 @@ void TCMatte_fields::set_scene_distance(int pixel, double value) {
   if (scene_distance_code >= n_codes || code_wanted[scene][scene_distance_code] == 0) return;
   if (pixel < 0 || static_cast<long>(pixel) >= static_cast<long>(n_rows) * n_cols) return;
   planes[scene][single_plane(scene_distance_code, n_bands)][pixel] = static_cast<float>(value);
+}
+
+void TCMatte_fields::set_scene_pixel(int pixel, double distance, double coverage) {
+  const int scene = n_objects;
+  if (use_mattes == 0 || allocated == 0 || object_wanted == nullptr) return;
+  if (scene < 0 || scene >= held_objects_ || object_wanted[scene] == 0) return;
+  if (pixel < 0 || static_cast<long>(pixel) >= static_cast<long>(n_rows) * n_cols) return;
+  float** table = planes[scene];
+  const int* wanted = code_wanted[scene];
+  if (scene_distance_code < n_codes && wanted[scene_distance_code])
+    table[single_plane(scene_distance_code, n_bands)][pixel] = static_cast<float>(distance);
+  if (distance_code < n_codes && wanted[distance_code])
+    table[single_plane(distance_code, n_bands)][pixel] = static_cast<float>(distance);
+  if (coverage_code < n_codes && wanted[coverage_code])
+    table[single_plane(coverage_code, n_bands)][pixel] = static_cast<float>(coverage);
+}
+
+void TCMatte_fields::merge_scene_alpha(int pixel, int object, double layer_coverage, int in_front,
+                                       double open) {
+  const int scene = n_objects;
+  if (use_mattes == 0 || allocated == 0 || object_wanted == nullptr) return;
+  if (scene < 0 || scene >= held_objects_ || object_wanted[scene] == 0) return;
+  if (pixel < 0 || static_cast<long>(pixel) >= static_cast<long>(n_rows) * n_cols) return;
+  for (int k = 0; k < alpha_codes; k++) {
+    const int code = first_alpha_code + k;
+    if (code >= n_codes || code_wanted[scene][code] == 0) continue;
+    float* plane = planes[scene][single_plane(code, n_bands)];
+    const double own = alpha_objects[k] >= 0 && alpha_objects[k] == object ? layer_coverage : 0.0;
+    if (in_front) {
+      plane[pixel] = static_cast<float>((1.0 - layer_coverage) * plane[pixel] + own);
+    } else {
+      plane[pixel] = static_cast<float>(plane[pixel] + open * own);
+    }
+  }
 }
 
 int TCMatte_fields::writable(int row, int col, int object, int& pixel) const {
@@ -359,4 +399,11 @@ void TCMatte_fields::accumulate_any(int row, int col, int object, double weight_
     table[single_plane(distance_code, n_bands)][pixel] = static_cast<float>(distance);
   if (coverage_code < wanted_count && wanted[coverage_code])
     table[single_plane(coverage_code, n_bands)][pixel] = static_cast<float>(coverage);
+  // An object's alpha matte of itself is its coverage, like its
+  // fraction_filled; alpha mattes of other objects come from per-ray samples.
+  for (int k = 0; k < alpha_codes; k++) {
+    const int code = first_alpha_code + k;
+    if (code >= wanted_count || !wanted[code] || alpha_objects[k] != object) continue;
+    table[single_plane(code, n_bands)][pixel] = static_cast<float>(coverage);
+  }
 }

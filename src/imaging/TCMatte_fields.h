@@ -11,7 +11,8 @@
 //   33, 34     none: scene positions come from the scene distance (20), and
 //              34 only switches the picture off
 //   35 to 39   no such matte; never wanted
-// Plane 19 (distance) starts at 1e8, every other plane at 0.
+// Distances (19, 20) are squared metres and start at 1e16, the square of the
+// "nothing" distance; every other plane starts at 0.
 
 class TCMatte_fields;
 class TCMatte_input;
@@ -91,6 +92,15 @@ class TCMatte_fields {
 
   // Plane 20 (scene distance) of the scene at a row-major pixel index.
   void set_scene_distance(int pixel, double value);
+  // What the scene shows at a row-major pixel: the squared distance of the
+  // front-most surface (planes 19 and 20) and the part of the pixel that
+  // objects fill (plane 18), for those the scene wants.
+  void set_scene_pixel(int pixel, double distance, double coverage);
+  // The scene's alpha mattes (22 to 26) as a layer of object `object`, of
+  // coverage layer_coverage, merges into the pixel: in front of what stands,
+  // the earlier shares are thinned by what it covers; behind, it adds its
+  // own share of the part still open (open, the uncovered fraction).
+  void merge_scene_alpha(int pixel, int object, double layer_coverage, int in_front, double open);
 
   // One contour sample: weights of the new sample and of what stood before,
   // the sample's coverage, the weight of the per-ray sample's values, its
@@ -111,8 +121,10 @@ class TCMatte_fields {
   int n_codes;
   int use_mattes;
   int* object_wanted;  // n_objects + 1 entries; the last is the scene
-  int** code_wanted;   // per object, n_codes flags
-  float*** planes;     // per object, plane pointers, each rows * columns floats
+  // List index of the object each alpha matte (22 + k) follows, -1 if none.
+  int alpha_objects[5];
+  int** code_wanted;  // per object, n_codes flags
+  float*** planes;    // per object, plane pointers, each rows * columns floats
 
  private:
   // Objects allocated by prepare, scene included, whatever n_objects says later.

@@ -44,6 +44,7 @@ object_contour::object_contour(int n_rows_in, int n_cols_in, TCSpectrum* spectru
       marked(nullptr),
       matte_target(matte_target_in),
       forced_object(-1),
+      layer_object(-1),
       level(0),
       mask_(mask),
       n_bands_(spectrum_in != nullptr && spectrum_in->n > 0 ? spectrum_in->n : 0),
@@ -78,6 +79,7 @@ object_contour::object_contour(int n_rows_in, int n_cols_in, TCSpectrum* spectru
       marked(nullptr),
       matte_target(matte_target_in),
       forced_object(-1),
+      layer_object(-1),
       level(0),
       mask_(mask),
       n_bands_(spectrum_in != nullptr && spectrum_in->n > 0 ? spectrum_in->n : 0),
@@ -112,6 +114,7 @@ object_contour::object_contour(object_contour& source, float min_distance_in,
       marked(source.marked),
       matte_target(matte_target_in),
       forced_object(-1),
+      layer_object(-1),
       level(0),
       mask_(source.mask_),
       n_bands_(source.n_bands_),
@@ -195,6 +198,7 @@ object_contour::~object_contour() {
 void object_contour::reset() {
   first_flag = 1;
   forced_object = -1;
+  layer_object = -1;
   any_marked = 0;
   for (int i = 0; i < 100; i++) active[i] = 1;
 
@@ -268,10 +272,12 @@ int object_contour::pixel_open(int row, int col) const {
 // Distances go to float first, as the layer keeps them, so that a sample at
 // a layer's own distance compares equal and counts as behind it.
 int object_contour::place_sample(int row, int col, double near, double distance, double far,
-                                 double coverage, double& keep, double& add, double& weight_old) {
+                                 double coverage, int object, double& keep, double& add,
+                                 double& weight_old) {
   if (!inside(row, col)) return 0;
   const float d = static_cast<float>(distance);
   if (d < min_distance) return 0;
+  layer_object = object;
   const float near_f = static_cast<float>(near);
   const float far_f = static_cast<float>(far);
   float& layer_c = layer_coverage[row][col];
@@ -322,7 +328,7 @@ void object_contour::add_sample(int row, int col, const double* radiance, double
                                 double distance, double far, double coverage, int object,
                                 const TCMatte_sample* sample) {
   double keep, add, weight_old;
-  if (!place_sample(row, col, near, distance, far, coverage, keep, add, weight_old)) return;
+  if (!place_sample(row, col, near, distance, far, coverage, object, keep, add, weight_old)) return;
   for (int band = 0; band < n_bands_; band++) {
     float& value = layer_radiance[band][row][col];
     value = static_cast<float>(keep * value + add * radiance[band]);
@@ -337,7 +343,7 @@ void object_contour::add_sample_float(int row, int col, const float* radiance, d
                                       double distance, double far, double coverage, int object,
                                       const TCMatte_sample* sample) {
   double keep, add, weight_old;
-  if (!place_sample(row, col, near, distance, far, coverage, keep, add, weight_old)) return;
+  if (!place_sample(row, col, near, distance, far, coverage, object, keep, add, weight_old)) return;
   for (int band = 0; band < n_bands_; band++) {
     float& value = layer_radiance[band][row][col];
     value = static_cast<float>(keep * value + add * radiance[band]);
@@ -360,7 +366,7 @@ void object_contour::add_sample_from_spectrum(int row, int col, double near, dou
                                               const TCMatte_sample* sample) {
   if (spectrum == nullptr) return;
   double keep, add, weight_old;
-  if (!place_sample(row, col, near, distance, far, coverage, keep, add, weight_old)) return;
+  if (!place_sample(row, col, near, distance, far, coverage, object, keep, add, weight_old)) return;
   const int bands = spectrum->n < n_bands_ ? spectrum->n : n_bands_;
   for (int band = 0; band < bands; band++) {
     float& value = layer_radiance[band][row][col];
@@ -389,6 +395,8 @@ void object_contour::merge_layer() {
         if (total_distance[row][col] <= layer_distance[row][col]) {
           if (total_c < 1.0f) {
             const float r = 1.0f - total_c;
+            if (matte_target != nullptr)
+              matte_target->merge_scene_alpha(k, layer_object, layer_c, 0, r);
             total_c = r * layer_c + total_c;
             if (radiance_out != nullptr) {
               for (int band = 0; band < n_bands_; band++) {
@@ -399,6 +407,8 @@ void object_contour::merge_layer() {
         } else {
           total_distance[row][col] = layer_distance[row][col];
           const float r = 1.0f - layer_c;
+          if (matte_target != nullptr)
+            matte_target->merge_scene_alpha(k, layer_object, layer_c, 1, r);
           total_c = total_c * r + layer_c;
           if (radiance_out != nullptr) {
             for (int band = 0; band < n_bands_; band++) {
@@ -421,7 +431,10 @@ void object_contour::merge_layer() {
           if (l_near < t_near) t_near = l_near;
         }
       }
-      if (matte_target != nullptr) matte_target->set_scene_distance(k, layer_distance[row][col]);
+      // The scene's depth is that of the front-most surface merged so far,
+      // whatever the order the objects came in.
+      if (matte_target != nullptr)
+        matte_target->set_scene_pixel(k, total_distance[row][col], total_coverage[row][col]);
       if (anti_alias) {
         layer_near[row][col] = contour_empty_distance;
         layer_far[row][col] = contour_empty_far;
@@ -429,6 +442,21 @@ void object_contour::merge_layer() {
       layer_distance[row][col] = contour_empty_distance;
       layer_coverage[row][col] = 0.0f;
       for (int band = 0; band < n_bands_; band++) layer_radiance[band][row][col] = 0.0f;
+    }
+  }
+  layer_object = -1;
+}
+
+void object_contour::note_scene_of_lone_layer() {
+  if (matte_target == nullptr) return;
+  for (int row = 0; row < n_rows; row++) {
+    for (int col = 0; col < n_cols; col++) {
+      const int k = row * n_cols + col;
+      if (layer_coverage[row][col] > 0.0f && layer_distance[row][col] < total_distance[row][col]) {
+        matte_target->set_scene_pixel(k, layer_distance[row][col], layer_coverage[row][col]);
+      } else {
+        matte_target->set_scene_pixel(k, total_distance[row][col], total_coverage[row][col]);
+      }
     }
   }
 }

@@ -54,8 +54,13 @@ class object_contour {
                                  const TCMatte_sample* sample);
 
   // Takes the layer into radiance_out front to back and empties it, marking
-  // pixels where two depth ranges overlap for refinement.
+  // pixels where two depth ranges overlap for refinement. The scene's mattes
+  // follow what stands in front after each merge.
   void merge_layer();
+  // For a view that starts inside the one object that paints it, whose
+  // layer is never merged: the scene's mattes take that layer where it lies
+  // in front of what stands, and what stands elsewhere.
+  void note_scene_of_lone_layer();
 
   int n_rows;
   int n_cols;
@@ -81,6 +86,9 @@ class object_contour {
   TCMatte_sample matte_sample;  // per-ray matte values an object may gather
   int active[100];
   int forced_object;
+  // List index of the object whose samples the layer holds, -1 when none
+  // has come through add_sample since the last merge.
+  int layer_object;
   // 0 for a view from a camera, nonzero for a view reflected off a surface,
   // which the air images on finer tables. Set by the caller; reset() keeps it.
   int level;
@@ -100,7 +108,7 @@ class object_contour {
   // gives the radiance blend, layer = keep * layer + add * radiance, and
   // the matte's weight of what stood before. 0 when nothing is added.
   int place_sample(int row, int col, double near, double distance, double far, double coverage,
-                   double& keep, double& add, double& weight_old);
+                   int object, double& keep, double& add, double& weight_old);
   float** new_plane(float value);
   void fill_plane(float** plane, float value);
   void delete_plane(float** plane);

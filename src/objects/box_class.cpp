@@ -202,12 +202,13 @@ void box_class::image_contour(TCView& view, object_contour& contour) {
   const double rows_per_elevation = row_scale(local);
   const double cols_per_azimuth = col_scale(local);
 
+  // The faces the view sees, each as a ring in image coordinates.
+  Face_ring faces[3];
+  int n_faces = 0;
   for (int i = 0; i < 3; i++) {
     const double c = local.position[i];
     if (-length[i] / 2 <= c && c <= length[i] / 2) continue;
     const int sign = c <= 0 ? -1 : 1;
-    face_turned = sun != nullptr ? (sign * s[i] > 0 ? 1 : 0) : 1;
-    lit_face = 1;
 
     // Corners in ring order around the face, in view coordinates.
     TCVector corner[4];
@@ -247,32 +248,55 @@ void box_class::image_contour(TCView& view, object_contour& contour) {
     }
     if (n_kept < 3) continue;
 
-    TCPolygon ring;
+    Face_ring& face = faces[n_faces++];
+    face.axis = i;
+    face.sign = sign;
+    face.turned = sun != nullptr ? (sign * s[i] > 0 ? 1 : 0) : 1;
     for (int k = 0; k < n_kept; k++) {
       const double e = -kept[k].x / kept[k].z;
       const double a = -kept[k].y / kept[k].z;
-      ring.add_vertex((a - local.first_azimuth) * cols_per_azimuth,
-                      (e - local.first_elevation) * rows_per_elevation);
+      face.ring.add_vertex((a - local.first_azimuth) * cols_per_azimuth,
+                           (e - local.first_elevation) * rows_per_elevation);
     }
-    scan_ring(i, sign, view, local, ring, contour, sample);
   }
+  if (n_faces > 0) scan_faces(faces, n_faces, view, local, contour, sample);
   lit_face = 0;
 }
 
-void box_class::scan_ring(int axis, int sign, TCView& view, const TCView& local,
-                          const TCPolygon& ring, object_contour& contour, TCSpectrum& sample) {
+// The visible faces of a box never overlap on the image plane and meet
+// along shared edges, so inside one pixel their pieces add up: the box
+// covers the pixel by the sum of their areas, as one surface. Combining
+// them as separate layers would darken every edge between two faces.
+void box_class::scan_faces(Face_ring* faces, int n_faces, TCView& view, const TCView& local,
+                           object_contour& contour, TCSpectrum& sample) {
   const int n_rows = view.n_rows < contour.n_rows ? view.n_rows : contour.n_rows;
   const int n_cols = view.n_cols < contour.n_cols ? view.n_cols : contour.n_cols;
   if (n_rows < 1 || n_cols < 1) return;
-  double x0, x1, y0, y1;
-  ring.bounds(x0, x1, y0, y1);
-  // A face of lengths or a view that are not finite paints nothing.
-  if (!std::isfinite(x0) || !std::isfinite(x1) || !std::isfinite(y0) || !std::isfinite(y1)) return;
-  if (x1 < 0.0 || y1 < 0.0 || x0 > n_cols || y0 > n_rows) return;
-  const int row0 = pixel_index(y0, 0, n_rows - 1);
-  const int row1 = pixel_index(y1, 0, n_rows - 1);
-  const int col0 = pixel_index(x0, 0, n_cols - 1);
-  const int col1 = pixel_index(x1, 0, n_cols - 1);
+
+  // Each face's pixel window; the box's is their union.
+  int used = 0;
+  int row_lo = n_rows, row_hi = -1, col_lo = n_cols, col_hi = -1;
+  for (int f = 0; f < n_faces; f++) {
+    Face_ring& face = faces[f];
+    face.in_view = 0;
+    double x0, x1, y0, y1;
+    face.ring.bounds(x0, x1, y0, y1);
+    // A face of lengths or a view that are not finite paints nothing.
+    if (!std::isfinite(x0) || !std::isfinite(x1) || !std::isfinite(y0) || !std::isfinite(y1))
+      continue;
+    if (x1 < 0.0 || y1 < 0.0 || x0 > n_cols || y0 > n_rows) continue;
+    face.row0 = pixel_index(y0, 0, n_rows - 1);
+    face.row1 = pixel_index(y1, 0, n_rows - 1);
+    face.col0 = pixel_index(x0, 0, n_cols - 1);
+    face.col1 = pixel_index(x1, 0, n_cols - 1);
+    face.in_view = 1;
+    used++;
+    if (face.row0 < row_lo) row_lo = face.row0;
+    if (face.row1 > row_hi) row_hi = face.row1;
+    if (face.col0 < col_lo) col_lo = face.col0;
+    if (face.col1 > col_hi) col_hi = face.col1;
+  }
+  if (used == 0) return;
 
   const int n_bands = sample.n;
   double* radiance = new (std::nothrow) double[n_bands > 0 ? n_bands : 1];
@@ -280,31 +304,59 @@ void box_class::scan_ring(int axis, int sign, TCView& view, const TCView& local,
     std::cout << "unable to allocate memory for imaging\n";
     std::exit(1);
   }
-  TCPolygon piece;
-  // Kept from pixel to pixel: a piece with no usable ray leaves them as
-  // they were.
-  float near = 0.0f, mid = 0.0f, far = 0.0f;
-  for (int row = row0; row <= row1; row++) {
-    for (int col = col0; col <= col1; col++) {
-      ring.clip_to_rectangle(col, col + 1, row, row + 1, piece);
-      if (piece.size() < 3) continue;
-      const double coverage = piece.area();
-      distance_to_face(axis, sign, local, piece, near, mid, far);
+  TCPolygon piece[3];
+  double area[3];
+  int has_piece[3];
+  for (int row = row_lo; row <= row_hi; row++) {
+    for (int col = col_lo; col <= col_hi; col++) {
+      double coverage = 0.0;
+      float near = 0.0f, mid = 0.0f, far = 0.0f;
+      int n_pieces = 0;
+      for (int f = 0; f < n_faces; f++) {
+        Face_ring& face = faces[f];
+        area[f] = 0.0;
+        has_piece[f] = 0;
+        if (!face.in_view || row < face.row0 || row > face.row1 || col < face.col0 ||
+            col > face.col1)
+          continue;
+        face.ring.clip_to_rectangle(col, col + 1, row, row + 1, piece[f]);
+        if (piece[f].size() < 3) continue;
+        area[f] = piece[f].area();
+        has_piece[f] = 1;
+        // Kept from pixel to pixel: a piece with no usable ray leaves them
+        // as they were.
+        distance_to_face(face.axis, face.sign, local, piece[f], face.near, face.mid, face.far);
+        // The box stands at the distance of its nearest piece here, and
+        // reaches over all of them.
+        if (n_pieces == 0 || face.mid < mid) mid = face.mid;
+        if (n_pieces == 0 || face.near < near) near = face.near;
+        if (n_pieces == 0 || face.far > far) far = face.far;
+        coverage += area[f];
+        n_pieces++;
+      }
+      if (n_pieces == 0) continue;
+      if (coverage > 1.0) coverage = 1.0;
       if (!contour.pixel_wanted(row, col, near, far)) continue;
 
-      double cx, cy;
-      piece.centroid(cx, cy);
-      const double e = view.first_elevation + cy / row_scale(view);
-      const double a = view.first_azimuth + cx / col_scale(view);
-      TCRay ray;
-      view.plane_ray(e, a, ray);
-      // The pixel's own view, centred on the piece.
-      TCView sub_view;
-      sub_view.copy(view);
-      sub_view.set_grid(1, e - view.step_elevation / 2, e + view.step_elevation / 2, 1,
-                        a - view.step_azimuth / 2, a + view.step_azimuth / 2);
-      surface_radiance(ray, sample, sub_view);
-      for (int b = 0; b < n_bands; b++) radiance[b] = sample.radiance_in_band[b] * coverage;
+      for (int b = 0; b < n_bands; b++) radiance[b] = 0.0;
+      for (int f = 0; f < n_faces; f++) {
+        if (!has_piece[f]) continue;
+        face_turned = faces[f].turned;
+        lit_face = 1;
+        double cx, cy;
+        piece[f].centroid(cx, cy);
+        const double e = view.first_elevation + cy / row_scale(view);
+        const double a = view.first_azimuth + cx / col_scale(view);
+        TCRay ray;
+        view.plane_ray(e, a, ray);
+        // The pixel's own view, centred on the piece.
+        TCView sub_view;
+        sub_view.copy(view);
+        sub_view.set_grid(1, e - view.step_elevation / 2, e + view.step_elevation / 2, 1,
+                          a - view.step_azimuth / 2, a + view.step_azimuth / 2);
+        surface_radiance(ray, sample, sub_view);
+        for (int b = 0; b < n_bands; b++) radiance[b] += sample.radiance_in_band[b] * area[f];
+      }
       contour.add_sample(row, col, radiance, near, mid, far, coverage, object_id, nullptr);
     }
   }

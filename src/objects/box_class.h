@@ -2,12 +2,12 @@
 #define TC_BOX_CLASS_H
 
 #include "TCObject.h"
+#include "TCPolygon.h"
 #include "TCRay.h"
 #include "TCSpectrum.h"
 #include "TCVector.h"
 #include "TCView.h"
 
-class TCPolygon;
 class TCStar;
 class box_input;
 class object_contour;
@@ -70,9 +70,32 @@ class box_class : public TCObject {
   TCStar* scene_sun() const;
 
  private:
-  // Step 5 of the scan: one face's ring in image coordinates, pixel by pixel.
-  void scan_ring(int axis, int sign, TCView& view, const TCView& local, const TCPolygon& ring,
-                 object_contour& contour, TCSpectrum& sample);
+  // One visible face on the image plane, and what its pixels last gave.
+  struct Face_ring {
+    Face_ring()
+        : axis(0),
+          sign(1),
+          turned(0),
+          in_view(0),
+          row0(0),
+          row1(-1),
+          col0(0),
+          col1(-1),
+          near(0.0f),
+          mid(0.0f),
+          far(0.0f) {}
+    int axis;
+    int sign;
+    int turned;  // 1 when the face looks away from the sun
+    TCPolygon ring;
+    int in_view;
+    int row0, row1, col0, col1;  // its pixel window
+    float near, mid, far;        // squared distances of its last piece
+  };
+  // The faces' rings in image coordinates, pixel by pixel: the pieces of
+  // all faces in one pixel make one sample.
+  void scan_faces(Face_ring* faces, int n_faces, TCView& view, const TCView& local,
+                  object_contour& contour, TCSpectrum& sample);
   // Every pixel of a view from inside the box.
   void fill_from_inside(TCView& view, object_contour& contour, TCSpectrum& sample);
 

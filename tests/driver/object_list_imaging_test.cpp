@@ -1,7 +1,10 @@
 #include <gtest/gtest.h>
 
+#include <sstream>
 #include <string>
 
+#include "TCMatte_fields.h"
+#include "TCMatte_input.h"
 #include "TCObject_kinds.h"
 #include "TCObject_list.h"
 #include "TCSpectrum.h"
@@ -103,6 +106,29 @@ TEST_F(ObjectListImaging, ViewInsideTheHighestObjectSeesOnlyThatObject) {
   // Its layer, copied straight out, even though others stand nearer.
   for (int k = 0; k < 3; k++) EXPECT_FLOAT_EQ(out.planes[0][k], 6.0f) << k;
   EXPECT_EQ(log, "c2");
+}
+
+TEST_F(ObjectListImaging, ViewInsideAnObjectGivesTheSceneMattesThatObject) {
+  add(TC_KIND_SOLID_BOX, 1.0, 1.0, 10.0);
+  Test_slab* lower = add(TC_KIND_SOLID_BOX, 1.5, 2.0, 3.0);
+  around_view(lower);
+  std::istringstream section(
+      "use_mattes: 1 NObjects: 1 Object: scene NMattes: 2 scene_distance fraction_filled");
+  TCMatte_input request;
+  ASSERT_EQ(request.read(section), 1);
+  request.object_indices[0] = 2;  // the scene of a list of two
+  TCMatte_fields fields;
+  fields.set_sizes(40, 2);
+  fields.prepare(1, 3, 1, request);
+  object_contour contour(1, 3, &bands, out.planes, 0.0f, 1, &fields, nullptr);
+  list.image_scene(active, view, &bands, out.planes, 0.0, &contour, 1);
+  // Only the object around the view paints; what the scene shows is it, at
+  // its (squared) distance of 3, filling every pixel.
+  int first = -1, count = 0;
+  ASSERT_EQ(fields.is_wanted(2, 20, first, count), 1);
+  for (int k = 0; k < 3; k++) EXPECT_EQ(fields.planes[2][first][k], 3.0f) << k;
+  ASSERT_EQ(fields.is_wanted(2, 18, first, count), 1);
+  for (int k = 0; k < 3; k++) EXPECT_EQ(fields.planes[2][first][k], 1.0f) << k;
 }
 
 TEST_F(ObjectListImaging, ViewInsideAnObjectSeesEverythingBeyondAMinimumDistance) {

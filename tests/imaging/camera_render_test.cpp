@@ -257,8 +257,7 @@ TEST_F(CameraRender, SurfaceLinePassPaintsOnlyPolygonsAndOceans) {
 
 TEST_F(CameraRender, SceneMattesCarryDistancesAndPositions) {
   // Depth 16 over the first two of four columns: the distance mattes take
-  // the root, 4. Unpainted, the scene distance keeps the empty layer's
-  // 1e16 and the object's distance its starting 1e8, both beyond the limit.
+  // the root, 4. Unpainted, both hold "nothing", 1e8 m.
   add_slab("hull", 4, 5.0, 16.0, -1e9, 0.0);
   TCCamera_input in;
   describe(in, 4, 1, 1);
@@ -271,7 +270,7 @@ TEST_F(CameraRender, SceneMattesCarryDistancesAndPositions) {
 
   // scene_xyz brings scene_distance with it.
   const std::string scene_distance = file("pic_scene_distance0001.img");
-  expect_plane(read_hdf(scene_distance, 0, 1, 4), {4.0f, 4.0f, 1e16f, 1e16f});
+  expect_plane(read_hdf(scene_distance, 0, 1, 4), {4.0f, 4.0f, 1e8f, 1e8f});
   EXPECT_EQ(hdf_has_plane(scene_distance, 1, 1, 4), 0);
   expect_plane(read_hdf(file("pic_hull_distance0001.img"), 0, 1, 4), {4.0f, 4.0f, 1e8f, 1e8f});
 
@@ -300,7 +299,7 @@ TEST_F(CameraRender, FloatMattesOfAnRgbCameraAreHdfFilesNamedImg) {
              " Object: scene NMattes: 1 scene_distance");
   TCCamera camera(in, &list);
   camera.image(file("pic").c_str(), "0001", ".rgb");
-  expect_plane(read_hdf(file("pic_scene_distance0001.img"), 0, 1, 4), {3.0f, 3.0f, 1e16f, 1e16f});
+  expect_plane(read_hdf(file("pic_scene_distance0001.img"), 0, 1, 4), {3.0f, 3.0f, 1e8f, 1e8f});
   expect_plane(read_hdf(file("pic_hull_distance0001.img"), 0, 1, 4), {3.0f, 3.0f, 1e8f, 1e8f});
   EXPECT_FALSE(exists(file("pic_hull_distance0001.rgb")));
   // The radiance matte stays 8-bit: 0.5 over (0, 1) codes to 127.

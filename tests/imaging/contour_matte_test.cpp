@@ -77,7 +77,9 @@ TEST(ContourMattes, TheTestFieldsWantTheirPlanes) {
   EXPECT_EQ(m.coverage_plane, 36);  // 2 * 18 - 18 + 18
   EXPECT_EQ(m.distance_plane, 37);
   EXPECT_EQ(m.scene_plane, 38);
-  EXPECT_EQ(m.distance(0), 1e8f);
+  // Distances start at "nothing", 1e8 m, held squared.
+  EXPECT_EQ(m.distance(0), 1e16f);
+  EXPECT_EQ(m.scene_distance(0), 1e16f);
 }
 
 TEST(ContourMattes, EmptyLayerWeighsTheSampleOneAndWhatStoodNothing) {
@@ -93,7 +95,7 @@ TEST(ContourMattes, EmptyLayerWeighsTheSampleOneAndWhatStoodNothing) {
   EXPECT_EQ(m.coverage(1), 0.5f);
   EXPECT_EQ(m.distance(1), 10.0f);
   EXPECT_EQ(m.radiance(0, 0), 0.0f);
-  EXPECT_EQ(m.distance(0), 1e8f);
+  EXPECT_EQ(m.distance(0), 1e16f);
 }
 
 TEST(ContourMattes, BehindWeighsTheSampleByWhatTheLayerLeavesOpen) {
@@ -248,7 +250,7 @@ TEST(ContourMattes, PerRaySampleValuesAreWeightedByCoverage) {
   EXPECT_EQ(m.radiance(1, 0), 15.0f);
 }
 
-TEST(ContourMattes, MergeGivesTheSceneTheLayerDistanceAtEveryPixel) {
+TEST(ContourMattes, MergeGivesTheSceneTheFrontMostDistanceWhateverTheOrder) {
   Contour_mattes m;
   ASSERT_TRUE(m.ok);
   object_contour c(1, 2, &m.bands, m.out, 0.0f, 1, &m.fields, nullptr);
@@ -256,11 +258,20 @@ TEST(ContourMattes, MergeGivesTheSceneTheLayerDistanceAtEveryPixel) {
   c.add_sample(0, 0, radiance, 9.0, 10.0, 11.0, 1.0, 0, nullptr);
   c.merge_layer();
   EXPECT_EQ(m.scene_distance(0), 10.0f);
-  EXPECT_EQ(m.scene_distance(1), 1e16f);  // an empty layer's distance
-  // Each merge writes it afresh, even for a layer behind what stands.
+  EXPECT_EQ(m.scene_distance(1), 1e16f);  // nothing there
+  // A layer behind what stands leaves the scene's distance as it was, and
+  // one that paints elsewhere does not clear it.
   c.add_sample(0, 0, radiance, 19.0, 20.0, 21.0, 1.0, 1, nullptr);
   c.merge_layer();
-  EXPECT_EQ(m.scene_distance(0), 20.0f);
+  EXPECT_EQ(m.scene_distance(0), 10.0f);
+  c.add_sample(0, 1, radiance, 29.0, 30.0, 31.0, 0.5, 1, nullptr);
+  c.merge_layer();
+  EXPECT_EQ(m.scene_distance(0), 10.0f);
+  EXPECT_EQ(m.scene_distance(1), 30.0f);
+  // One in front, even covering a part only, is what the scene shows first.
+  c.add_sample(0, 1, radiance, 4.0, 5.0, 6.0, 0.25, 0, nullptr);
+  c.merge_layer();
+  EXPECT_EQ(m.scene_distance(1), 5.0f);
   EXPECT_EQ(c.total_distance[0][0], 10.0f);
 }
 
@@ -274,7 +285,7 @@ TEST(ContourMattes, ResetClearsTheMatteSample) {
   c.matte_sample.values[m.distance_plane] = 4.0f;
   c.reset();
   EXPECT_EQ(c.matte_sample.values[0], 0.0f);
-  EXPECT_EQ(c.matte_sample.values[m.distance_plane], 1e8f);
+  EXPECT_EQ(c.matte_sample.values[m.distance_plane], 1e16f);
   EXPECT_EQ(c.matte_target, &m.fields);
 }
 

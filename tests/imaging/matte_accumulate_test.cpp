@@ -54,7 +54,7 @@ TEST_F(MatteAccumulate, WithoutSampleRadianceCoverageAndDistance) {
   EXPECT_FLOAT_EQ(at(36), 0.75f);
   // Other pixels keep their start values.
   EXPECT_EQ(fields.planes[0][0][4], 0.0f);
-  EXPECT_EQ(fields.planes[0][37][4], 1e8f);
+  EXPECT_EQ(fields.planes[0][37][4], 1e16f);
 }
 
 TEST_F(MatteAccumulate, FloatRadianceFormMatchesDoubleForm) {
@@ -201,12 +201,12 @@ TEST_F(MatteAccumulate, SampleCopiesSizesAndFlagsOfItsObject) {
   EXPECT_EQ(sample.values, values);
 }
 
-TEST_F(MatteAccumulate, SampleClearZeroesAndSetsDistanceTo1e8) {
+TEST_F(MatteAccumulate, SampleClearZeroesAndSetsDistanceToNothingSquared) {
   TCMatte_sample sample;
   sample.attach(0, &fields);
   for (int i = 0; i < 59; i++) sample.values[i] = 3.0f;
   sample.clear();
-  for (int i = 0; i < 59; i++) EXPECT_EQ(sample.values[i], i == 37 ? 1e8f : 0.0f) << i;
+  for (int i = 0; i < 59; i++) EXPECT_EQ(sample.values[i], i == 37 ? 1e16f : 0.0f) << i;
   sample.set_distance(33.5);
   EXPECT_EQ(sample.values[37], 33.5f);
 }
@@ -231,7 +231,7 @@ TEST_F(MatteAccumulate, SampleNormaliseDividesByWeight) {
   sample.values[0] = 3.0f;
   sample.normalise(4.0);
   EXPECT_FLOAT_EQ(sample.values[0], 0.75f);
-  EXPECT_FLOAT_EQ(sample.values[37], 2.5e7f);
+  EXPECT_FLOAT_EQ(sample.values[37], 2.5e15f);
 }
 
 TEST_F(MatteAccumulate, SampleNormaliseBySmallWeightIsReportedAndSkipped) {

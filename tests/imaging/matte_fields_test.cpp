@@ -169,11 +169,11 @@ TEST_F(MatteFields, SceneHasPlanesOfItsOwnAsTheLastObject) {
   EXPECT_EQ(fields.is_wanted(3, 0, first, count), 0);
 }
 
-TEST_F(MatteFields, PlanesStartAtZeroAndDistanceAt1e8) {
+TEST_F(MatteFields, PlanesStartAtZeroAndDistanceAtNothingSquared) {
   request_for("use_mattes: 1 NObjects: 1 Object: boat NMattes: 3 distance glitter normal", 0);
   fields.prepare(2, 2, 1, request);
   for (int k = 0; k < 4; k++) {
-    EXPECT_EQ(fields.planes[0][19][k], 1e8f);
+    EXPECT_EQ(fields.planes[0][19][k], 1e16f);
     EXPECT_EQ(fields.planes[0][12][k], 0.0f);
     EXPECT_EQ(fields.planes[0][32][k], 0.0f);
     EXPECT_EQ(fields.planes[0][34][k], 0.0f);
@@ -240,7 +240,7 @@ TEST_F(MatteFields, SceneDistanceGoesToPlane20OfTheScene) {
   fields.set_scene_distance(4, 42.5);
   fields.set_scene_distance(6, 1.0);   // beyond the plane: ignored
   fields.set_scene_distance(-1, 1.0);  // likewise
-  for (int k = 0; k < 6; k++) EXPECT_EQ(fields.planes[2][20][k], k == 4 ? 42.5f : 0.0f);
+  for (int k = 0; k < 6; k++) EXPECT_EQ(fields.planes[2][20][k], k == 4 ? 42.5f : 1e16f);
 }
 
 TEST_F(MatteFields, SceneDistanceIsIgnoredWhenNotWanted) {

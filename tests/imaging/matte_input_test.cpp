@@ -453,10 +453,30 @@ TEST_F(MatteProcess, UnknownObjectFails) {
   EXPECT_EQ(printed, "ark in matte field input does not correspond to and object\n");
 }
 
-TEST_F(MatteProcess, NameSortingAfterSceneIsTakenForTheScene) {
+TEST_F(MatteProcess, MissingNameSortingAfterSceneFailsLikeAnyOther) {
   std::string printed;
-  ASSERT_EQ(process("use_mattes: 1 NObjects: 1 Object: ship NMattes: 1 radiance", printed), 1);
-  EXPECT_EQ(request.object_indices[0], 2);
+  EXPECT_EQ(process("use_mattes: 1 NObjects: 1 Object: ship NMattes: 1 radiance", printed), 0);
+  EXPECT_EQ(printed, "ship in matte field input does not correspond to and object\n");
+  printed.clear();
+  EXPECT_EQ(process("use_mattes: 1 NObjects: 1 Object: scenery NMattes: 1 radiance", printed), 0);
+  EXPECT_EQ(printed, "scenery in matte field input does not correspond to and object\n");
+  printed.clear();
+  EXPECT_EQ(process("use_mattes: 1 NObjects: 1 Object: boat NMattes: 1 alpha-wall", printed), 0);
+  EXPECT_EQ(printed, "ERROR - alpha object matte name: wall does not correspond to any object.\n");
+}
+
+TEST_F(MatteProcess, ObjectNamesSortingAfterSceneNameTheirObjects) {
+  boat.set_name("tower");
+  buoy.set_name("sea");
+  std::string printed;
+  ASSERT_EQ(process("use_mattes: 1 NObjects: 3 Object: sea NMattes: 1 radiance Object: tower "
+                    "NMattes: 1 alpha-sea Object: scene NMattes: 1 scene_distance",
+                    printed),
+            1);
+  EXPECT_EQ(request.object_indices[0], 1);
+  EXPECT_EQ(request.object_indices[1], 0);
+  EXPECT_EQ(request.object_indices[2], 2);
+  EXPECT_EQ(request.alpha_objects[0], 1);
 }
 
 TEST_F(MatteProcess, ReflectedObjectAbsentFromTheListFailsHereNotOnReading) {
@@ -570,16 +590,15 @@ TEST_F(MatteObjectList, LastMatchWins) {
   EXPECT_EQ(index, 2);
 }
 
-TEST_F(MatteObjectList, NamesAfterSceneGiveTheObjectCountWithoutSearch) {
+TEST_F(MatteObjectList, NamesAfterSceneAreSearchedLikeAnyName) {
   int index = 7;
-  // "ship" differs from "scene" by more than one in its second letter: the
-  // result of the comparison is taken by its sign.
-  EXPECT_EQ(list.find_by_name("ship", index), 1);
-  EXPECT_EQ(index, 3);
-  EXPECT_EQ(list.find_by_name("zebra", index), 1);
-  EXPECT_EQ(index, 3);
-  EXPECT_EQ(list.find_by_name("scenery", index), 1);
-  EXPECT_EQ(index, 3);
+  EXPECT_EQ(list.find_by_name("ship", index), 0);
+  EXPECT_EQ(index, -1);
+  EXPECT_EQ(list.find_by_name("zebra", index), 0);
+  EXPECT_EQ(list.find_by_name("scenery", index), 0);
+  third.set_name("tower");
+  EXPECT_EQ(list.find_by_name("tower", index), 1);
+  EXPECT_EQ(index, 2);
 }
 
 TEST_F(MatteObjectList, SceneItselfIsSearchedLikeAnyName) {
