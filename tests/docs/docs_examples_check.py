@@ -255,11 +255,19 @@ def main():
                                   [("bobbing_camera", "bob.cam", track(0, 0, 2, 90, 0))])})
 
     # The scenes of scene.md, with the files the page names.
-    r.run("scene.md minimal scene (with cameras.md's camera file as cam.cam)",
-          {"scene.dat": r.file("scene.md", "scene", 0), "cam.cam": shown_camera},
+    # The minimal scene has band 1 alone; its page has eye.cam narrowed to it.
+    eye = r.file("scene.md", "camera")
+    one_band_eye = None
+    if eye is not None:
+        one_band_eye = eye.replace("number_of_bands 2\nband_id 1 2\n",
+                                   "number_of_bands 1\nband_id 1\n")
+        if one_band_eye == eye:
+            r.failures.append("scene.md: eye.cam no longer names bands 1 and 2")
+    r.run("scene.md minimal scene (with eye.cam narrowed to band 1 as cam.cam)",
+          {"scene.dat": r.file("scene.md", "scene", 0), "cam.cam": one_band_eye},
           folders=["out"])
     r.run("scene.md first picture",
-          {"first.dat": r.file("scene.md", "scene", 1), "eye.cam": r.file("scene.md", "camera"),
+          {"first.dat": r.file("scene.md", "scene", 1), "eye.cam": eye,
            "shed.box": box_text, "sky.air": r.file("air.md", "air"),
            "sun.dat": r.file("sun.md", "sun")},
           scene_name="first.dat", picture="firstc1eye0001.img", bands=2, shows=True)
