@@ -89,7 +89,7 @@ void run_scene_file(const char* name, const TCCommand_line& command, int traced)
   }
 
   TCScene_input input;
-  if (!input.read_scene(stream)) {
+  if (!input.read_scene(stream) || !input.key_frame_times_distinct(name)) {
     std::cout << "unable to proces scene input file "
               << "\n";
     std::exit(1);

@@ -1,5 +1,6 @@
 #include "TCKeyframes.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <new>
 
@@ -83,6 +84,22 @@ TCKeyframes& TCKeyframes::operator=(const TCKeyframes& other) {
 
 TCKeyframes::~TCKeyframes() {
   release();
+}
+
+int TCKeyframes::repeated_time(double& time_out) const {
+  if (number_of_times < 2) return 0;
+  double* sorted = new_doubles(number_of_times);
+  for (int i = 0; i < number_of_times; i++) sorted[i] = times[i];
+  std::sort(sorted, sorted + number_of_times);
+  int found = 0;
+  for (int i = 0; i + 1 < number_of_times && !found; i++) {
+    if (sorted[i] == sorted[i + 1]) {
+      time_out = sorted[i];
+      found = 1;
+    }
+  }
+  delete[] sorted;
+  return found;
 }
 
 void TCKeyframes::set_number_of_times(int n) {

@@ -24,6 +24,10 @@ class TCKeyframes {
   int read(std::istream& in);
   int write(std::ostream& out) const;
 
+  // 1, with the time in time_out, when two keys share a time: the segment
+  // between them has no length and interpolates to NaN.
+  int repeated_time(double& time_out) const;
+
   void pose_at(double t, TCVector& position, double& chi_out, double& phi_out,
                double& theta_out) const;
   void position_at(double t, TCVector& position) const;

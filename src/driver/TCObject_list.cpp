@@ -549,6 +549,16 @@ static int evolves_by_itself(int type) {
          type == TC_KIND_OCEAN || type == TC_KIND_BLOB_LITE || type == TC_KIND_SPRAY_LITE;
 }
 
+// A skydome or picture animated by "frames" loads its picture in set_time,
+// so it must be updated every frame even when nothing else moves.
+static int animated_by_frames(const TCObject_input& record) {
+  if (record.type_code == TC_KIND_SKYDOME)
+    return static_cast<const Skydome_input&>(record).animation == 101;
+  if (record.type_code == TC_KIND_PICTURE)
+    return static_cast<const Picture_input&>(record).animation == 101;
+  return 0;
+}
+
 int TCObject_list::build(TCObject_list_input& input, int& needs_updates) {
   if (input.number_of_bands < 1 || input.objects_spectrum == nullptr) {
     std::cout << "must define atleast one band"
@@ -574,6 +584,7 @@ int TCObject_list::build(TCObject_list_input& input, int& needs_updates) {
     TCObject_input* record = input.objects[i];
     if (record == nullptr) continue;
     if (record->track.number_of_times > 1) needs_updates = 1;
+    if (animated_by_frames(*record)) needs_updates = 1;
     record->object_id = i;
     record->start_time = 0.0;
     if (!known_object_kind(record->type_code)) {

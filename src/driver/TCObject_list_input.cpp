@@ -302,6 +302,20 @@ int TCObject_list_input::read_cameras(std::istream& in) {
                 << "\n";
       return 0;
     }
+    if (!camera_bands_known(*record)) return 0;
+  }
+  return 1;
+}
+
+// A band the table lacks would leave a plane of zeros in every picture.
+int TCObject_list_input::camera_bands_known(const TCCamera_input& camera) const {
+  for (int b = 0; b < camera.bands.n; b++) {
+    const int id = camera.bands.band_id[b];
+    if (band_index(id) >= 0) continue;
+    std::cout << "camera file " << camera.object_file << ": band_id " << id
+              << " is not in the scene's band table"
+              << "\n";
+    return 0;
   }
   return 1;
 }

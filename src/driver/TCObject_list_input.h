@@ -86,6 +86,9 @@ class TCObject_list_input {
   int read_sun(std::istream& in);
   int read_objects(std::istream& in);
   int read_cameras(std::istream& in);
+  // 0, with a message naming the camera file and the band, when a band of
+  // the camera is not in the band table.
+  int camera_bands_known(const TCCamera_input& camera) const;
   // A new, empty record for an object kind; null with the reason in status.
   static TCObject_input* new_object_record(int type_code, Record_status& status);
   // Gives every object its index as id.

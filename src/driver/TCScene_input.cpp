@@ -4,8 +4,10 @@
 #include <fstream>
 #include <new>
 
+#include "TCCamera_input.h"
 #include "TCData_file.h"
 #include "TCError.h"
+#include "TCStar_input.h"
 
 namespace {
 
@@ -202,13 +204,39 @@ int TCScene_input::write_scene_file(const char* path) const {
   return 1;
 }
 
+// Two keys at one time would give every pose between them as NaN.
+static int track_times_distinct(const TCKeyframes& track, const char* scene_path,
+                                const char* owner_file) {
+  double time = 0.0;
+  if (!track.repeated_time(time)) return 1;
+  std::cout << "scene file " << scene_path << ": two key frames of " << owner_file
+            << " are at time " << time << "\n";
+  return 0;
+}
+
+int TCScene_input::key_frame_times_distinct(const char* path) const {
+  const TCObject_list_input& list = object_list;
+  if (list.sun_flag && list.star_input != nullptr &&
+      !track_times_distinct(list.star_input->track, path, list.star_input->object_file))
+    return 0;
+  for (int i = 0; i < list.n_objects; i++) {
+    if (list.objects[i] == nullptr) continue;
+    if (!track_times_distinct(list.objects[i]->track, path, list.objects[i]->object_file)) return 0;
+  }
+  for (int i = 0; i < list.n_cameras; i++) {
+    if (list.cameras[i] == nullptr) continue;
+    if (!track_times_distinct(list.cameras[i]->track, path, list.cameras[i]->object_file)) return 0;
+  }
+  return 1;
+}
+
 int TCScene_input::read_scene_file(const char* path) {
   std::ifstream in(path);
   if (!in) {
     report_error("TCScene_input::read_scene_file", "Can't open scene file: ", path);
     return 0;
   }
-  if (!read_scene(in)) {
+  if (!read_scene(in) || !key_frame_times_distinct(path)) {
     std::cout << "unable to process scene input file "
               << "\n";
     return 0;

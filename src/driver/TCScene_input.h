@@ -42,6 +42,9 @@ class TCScene_input {
   int write_scene_file(const char* path) const;
   // Opens path and reads the scene and its range lines.
   int read_scene_file(const char* path);
+  // 0, with a message naming the scene file at path, the track's file and
+  // the time, when any track (sun, object, camera) has two keys at one time.
+  int key_frame_times_distinct(const char* path) const;
 
   char output_file[256];
   char output_format[256];

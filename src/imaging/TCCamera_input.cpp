@@ -192,8 +192,23 @@ TCCamera_input::~TCCamera_input() {
 int TCCamera_input::read_file(const char* path) {
   std::ifstream in;
   if (!open_input_file(in, path, "unable to open camera file ")) return 0;
-  if (read_stream(in)) return 1;
+  if (read_stream(in) && check_field_of_view(path)) return 1;
   return report_file_failure("unable to process camera file ", path);
+}
+
+int TCCamera_input::check_field_of_view(const char* path) const {
+  // The plane is 2 tan(fov / 2) wide: 0 gives no picture, a negative angle
+  // turns it over, and 180 degrees or more has no plane at all.
+  const char* names[2] = {"fov_azimuth", "fov_elevation"};
+  const double values[2] = {fov_azimuth, fov_elevation};
+  for (int i = 0; i < 2; i++) {
+    if (values[i] > 0.0 && values[i] < 180.0) continue;
+    std::cout << "camera file " << (path ? path : "") << ": " << names[i] << " " << values[i]
+              << " must be above 0 and below 180 degrees"
+              << "\n";
+    return 0;
+  }
+  return 1;
 }
 
 int TCCamera_input::write_file(const char* path) {
@@ -763,7 +778,7 @@ TCBobbing_camera_input::~TCBobbing_camera_input() {}
 int TCBobbing_camera_input::read_file(const char* path) {
   std::ifstream in;
   if (!open_input_file(in, path, "unable to open bobbing camera file ")) return 0;
-  if (!TCCamera_input::read_stream(in)) {
+  if (!TCCamera_input::read_stream(in) || !check_field_of_view(path)) {
     return report_file_failure("unable to process camera file ", path);
   }
   if (read_bobbing_section(in)) return 1;

@@ -156,6 +156,9 @@ class TCCamera_input : public TCObject_input {
   // 0, with a message, for counts no allocation can give (bytes beyond an
   // int); the words name the class.
   int check_packing_sizes(const char* class_word) const;
+  // 0, with a message naming the file at path and the value, for a field of
+  // view that no pinhole camera has: above 0 and below 180 degrees.
+  int check_field_of_view(const char* path) const;
   // Makes packing_sizes count the fields again, forgetting counts taken by
   // set_sizes_from_packed; pack does this first.
   void drop_received_counts() { has_received_counts_ = 0; }

@@ -550,3 +550,24 @@ TEST(KeyframeFile, WriteToAFailedStreamReportsFailure) {
 }
 
 }  // namespace
+
+TEST(KeyframesRepeatedTime, DistinctTimesHaveNoRepeat) {
+  TCKeyframes track = two_keys();
+  double time = -7.0;
+  EXPECT_EQ(track.repeated_time(time), 0);
+  EXPECT_EQ(time, -7.0);
+  TCKeyframes one;
+  EXPECT_EQ(one.repeated_time(time), 0);
+}
+
+TEST(KeyframesRepeatedTime, TwoKeysAtOneTimeAreFoundWhereverTheyStand) {
+  TCKeyframes track;
+  track.set_number_of_times(4);
+  set_key(track, 0, 3.0, 0.0, 0.0, 0.0, 0.0, 0.0, 0.0);
+  set_key(track, 1, 0.0, 1.0, 0.0, 0.0, 0.0, 0.0, 0.0);
+  set_key(track, 2, 2.5, 2.0, 0.0, 0.0, 0.0, 0.0, 0.0);
+  set_key(track, 3, 3.0, 3.0, 0.0, 0.0, 0.0, 0.0, 0.0);
+  double time = 0.0;
+  EXPECT_EQ(track.repeated_time(time), 1);
+  EXPECT_EQ(time, 3.0);
+}

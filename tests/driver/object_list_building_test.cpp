@@ -288,6 +288,9 @@ TEST(ObjectListBuilding, WriteFilesWritesEachCamerasFile) {
   ASSERT_NE(camera, nullptr);
   camera->n_pixel_azimuth = 32;
   camera->n_pixel_elevation = 16;
+  // A camera file with no field of view does not read back.
+  camera->fov_azimuth = 40.0;
+  camera->fov_elevation = 20.0;
   camera->last_azimuth = 31;
   camera->last_elevation = 15;
   camera->image_slices = 2;

@@ -38,7 +38,7 @@ class List_folder {
   std::string path_;
 };
 
-// A camera file up to its "end": 8 x 6 pixels, band 7, 3 slices, hdf.
+// A camera file up to its "end": 8 x 6 pixels, band 2, 3 slices, hdf.
 inline std::string camera_section_text() {
   return "Tidecast_data_file camera 3 3\n"
          "n_pixel_azimuth 8 n_pixel_elevation 6\n"
@@ -46,7 +46,7 @@ inline std::string camera_section_text() {
          "image_method 1\n"
          "picture_fraction_flag 0\n"
          "n_sub_azimuth 1 n_sub_elevation 1\n"
-         "number_of_bands 1 band_id 7\n"
+         "number_of_bands 1 band_id 2\n"
          "anti_alias 0\n"
          "efficiency_matte 0\n"
          "image_slices 3\n"

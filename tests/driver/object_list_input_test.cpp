@@ -331,7 +331,7 @@ TEST(ObjectListInputCameras, VersionOneCameraFileEndingEarlyHasOneSlice) {
   folder.put("camera.txt",
              "Tidecast_data_file camera 3 3 n_pixel_azimuth 8 n_pixel_elevation 6\n"
              "fov_azimuth 20 fov_elevation 15 image_method 1 picture_fraction_flag 0\n"
-             "n_sub_azimuth 1 n_sub_elevation 1 number_of_bands 1 band_id 7\n"
+             "n_sub_azimuth 1 n_sub_elevation 1 number_of_bands 1 band_id 2\n"
              "anti_alias 0 efficiency_matte 0 end\n");
   TCObject_list_input list;
   list.version = 1;
@@ -648,3 +648,21 @@ TEST(ObjectListOutput, EmptyListWritesItsCountsOnly) {
 }
 
 }  // namespace
+
+TEST(ObjectListInputCameras, CameraBandMissingFromTheBandTableIsRefusedWithFileAndBand) {
+  List_folder folder;
+  ASSERT_TRUE(folder.ok());
+  folder.put("camera.txt", camera_section_text() + "use_mattes: 0\n");  // band 2
+  TCObject_list_input list;
+  list.version = 2;
+  const std::string text =
+      "number_of_bands: 1\nwidth center_wavelength band_id\n1 0.55 0.1\nsun_flag: 0\n"
+      "number_of_objects: 0\nnumber_of_cameras: 1\n" +
+      camera_line("camera", folder.file("camera.txt"), 10);
+  std::string printed;
+  EXPECT_EQ(read_list_text(list, text, printed), 0);
+  EXPECT_NE(printed.find("camera file " + folder.file("camera.txt") +
+                         ": band_id 2 is not in the scene's band table\n"),
+            std::string::npos)
+      << printed;
+}

@@ -1,0 +1,12 @@
+import os
+import sys
+
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", ".."))
+from e2e_files import Checker  # noqa: E402
+
+# The camera looks straight up, so the dome fills every pixel. Each frame's
+# picture is one grey level b, shown as radiance b with the range 0 to 255.
+c = Checker()
+c.all_equal("runc1cam0001.img", c.planes("runc1cam0001.img", 1, 4, 6), 40.0)
+c.all_equal("runc1cam0002.img", c.planes("runc1cam0002.img", 1, 4, 6), 200.0)
+c.done()
