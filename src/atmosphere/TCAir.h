@@ -84,7 +84,8 @@ class TCAir : public TCObject {
 
   // The table for a view already in the air's frame, laid out over the
   // whole picture the view is part of and filled from the contour; null for
-  // a picture too small to be worth one. rows and cols are the patch
+  // a picture of fewer than 64 pixels imaged for the world view (its table
+  // would cost more integrals than its rays). rows and cols are the patch
   // imaged. With world_view (the same view in the world's frame) the
   // whole picture's columns next to the patch are imaged for their depths,
   // so that cells beyond the patch hold what they would in the whole; without

@@ -208,7 +208,8 @@ void TCAir::build_tables(const TCView& local, object_contour& contour, int rows,
                    cols, local.first_azimuth, local.first_azimuth + cols * local.step_azimuth);
   }
   // A picture of a few pixels (a refined pixel's patch) is cheaper exactly.
-  if (static_cast<long>(whole.n_rows) * whole.n_cols < least_table_pixels) return;
+  if (world_view != nullptr && static_cast<long>(whole.n_rows) * whole.n_cols < least_table_pixels)
+    return;
 
   // The range of the view and its margin of two of its smaller pixels.
   const double step_e = std::fabs(whole.step_elevation);
@@ -230,8 +231,8 @@ void TCAir::build_tables(const TCView& local, object_contour& contour, int rows,
   if (theta_step > pixels_per_row_step * step_e) theta_step = pixels_per_row_step * step_e;
   // Near the horizon the sky changes over the angle sqrt(2 H / R) of the
   // lowest layer's scale height H: rows a tenth of it apart follow it.
-  const double lowest = air_type > 1 && aerosol_height_m < molecular_height_m ? aerosol_height_m
-                                                                                : molecular_height_m;
+  const double lowest =
+      air_type > 1 && aerosol_height_m < molecular_height_m ? aerosol_height_m : molecular_height_m;
   if (lowest > 0.0 && surface_radius > 0.0) {
     const double grazing = grazing_fraction * std::sqrt(2.0 * lowest / surface_radius);
     if (theta_step > grazing) theta_step = grazing;

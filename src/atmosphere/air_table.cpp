@@ -201,7 +201,8 @@ void air_table::define(const TCVector& viewpoint_in, double phi_offset_in, doubl
   ground_down = new_doubles(cells_down);
   for (int i = 0; i < n_phi; i++) {
     horizon[i] = horizon_angle;
-    if (round_base && horizon_angle < 0.0)
+    // Off the air's axis the horizon tilts with the azimuth.
+    if (round_base && horizon_angle < 0.0 && (viewpoint.x != 0.0 || viewpoint.y != 0.0))
       horizon[i] = exact_horizon(phi_offset + phi_low + i * phi_step);
   }
   // Down rows strike the base: the distance to it along each cell's ray.
