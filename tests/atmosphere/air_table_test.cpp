@@ -210,6 +210,35 @@ TEST_F(AirTable, NodeRaysRunAlongTheirRowAndColumnAndClearTheHorizon) {
   }
 }
 
+TEST_F(AirTable, OffTheAxisEveryDownRowStrikesTheBaseAndNoUpRowDoes) {
+  // 36 km from the air's origin the base's horizon tilts by about 0.3
+  // degree with the azimuth, more than a row: each column keeps its own.
+  // Every down cell's ray, the one just below the horizon included, must
+  // strike the sphere (so no blend of down cells mixes in sky) and no up
+  // cell's ray may.
+  air_table table(air);
+  const TCVector eye(30000.0, 20000.0, 1000.0);
+  table.define(eye, 0.0, theta_step, phi_step, -0.05, 0.05, -3.1, 3.1, 0.0);
+  ASSERT_GT(table.n_phi, 100);
+  double least = 0.0, most = 0.0;
+  for (int i = 0; i < table.n_phi; i++) {
+    if (i == 0 || table.horizon[i] < least) least = table.horizon[i];
+    if (i == 0 || table.horizon[i] > most) most = table.horizon[i];
+    for (int up = 0; up < 2; up++) {
+      for (int j = 0; j < 3 && j < table.rows(up); j++) {
+        TCVector d;
+        table.node_direction(up, j, i, d);
+        double near = 0.0, far = 0.0;
+        const int strikes = air->sphere_roots(eye, d, near, far) && far > 0.0;
+        EXPECT_EQ(strikes, !up) << "column " << i << " row " << j << " up " << up;
+      }
+    }
+  }
+  // The tilt, 36 km over the radius, on either side.
+  EXPECT_NEAR(most - least,
+              2.0 * std::sqrt(30000.0 * 30000.0 + 20000.0 * 20000.0) / air_scene::radius, 2e-4);
+}
+
 TEST_F(AirTable, AnglesAreTakenFromTheSunsAzimuthAndWrapped) {
   air_table table(air);
   define_small(table, 3.0);
