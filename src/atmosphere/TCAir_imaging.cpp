@@ -61,7 +61,7 @@ const long least_table_pixels = 64;
 // Table steps at most this many of the picture's pixels (image-plane units
 // taken as radians, which they exceed nowhere).
 const double pixels_per_row_step = 2.0;
-const double pixels_per_column_step = 4.0;
+const double pixels_per_column_step = 16.0;
 // Rows at most this share of the angle over which the sky changes at the
 // horizon.
 const double grazing_fraction = 0.1;

@@ -213,9 +213,10 @@ TEST_F(AirTableImaging, TableImagedSkyAgreesWithTheExactCalculationWithinTheTabl
     phi_step = main_table->phi_step;
     delete main_table;
   }
-  // Four pixels a column step, and the row step the least of two pixels,
+  // The column step the lesser of 2 degrees and sixteen pixels (0.08), and
+  // the row step the least of two pixels,
   // 0.25 degree and a tenth of the grazing angle of the lowest layer.
-  EXPECT_NEAR(phi_step, 4 * 0.005, 1e-15);
+  EXPECT_NEAR(phi_step, 0.03490658503988659, 1e-15);
   const double grazing =
       0.1 * std::sqrt(2.0 * std::fmin(air->aerosol_height_m, air->molecular_height_m) /
                       air_scene::radius);

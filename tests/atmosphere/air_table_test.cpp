@@ -549,7 +549,7 @@ TEST_F(AirTable, AReflectedViewHalvesTheElevationStepAndTakesATenthOfTheAzimuthS
 }
 
 TEST_F(AirTable, ANarrowPicturesStepsFollowItsPixels) {
-  // 0.0005 pixels (0.029 degree): columns four pixels apart, rows two.
+  // 0.0005 pixels (0.029 degree): columns sixteen pixels apart, rows two.
   TCView view;
   view.set_pose(TCVector(0.0, 0.0, 10.0), 80.0 * degree, 0.0, 0.0);
   view.set_grid(10, -0.0025, 0.0025, 10, -0.0025, 0.0025);
@@ -561,7 +561,7 @@ TEST_F(AirTable, ANarrowPicturesStepsFollowItsPixels) {
   air_table* aux_table = nullptr;
   air->build_tables(local, contour, 10, 10, main_table, aux_table);
   ASSERT_NE(main_table, nullptr);
-  EXPECT_NEAR(main_table->phi_step, 0.002, 1e-15);
+  EXPECT_NEAR(main_table->phi_step, 0.008, 1e-15);
   EXPECT_NEAR(main_table->theta_step_up, 0.001, 1e-15);
   delete main_table;
 }
