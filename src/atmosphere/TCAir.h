@@ -8,7 +8,7 @@
 #include "TCVector.h"
 
 class TCAir_input;
-class air_table;
+#include "air_table.h"
 class TCBand;
 class TCObject_list;
 
@@ -82,12 +82,22 @@ class TCAir : public TCObject {
   void local_path_transmission(const TCRay& ray, double* out, double s_start, double s_end);
   void local_scatter_phase(const TCVector& direction, double* molecular, const double* aerosol);
 
-  // The main table for a view already in the air's frame, filled from the
-  // contour, and the auxiliary one when more than 1000 covered pixels miss
-  // the main one (else null); the caller deletes both. rows and cols are
-  // the patch imaged.
+  // The table for a view already in the air's frame, laid out over the
+  // whole picture the view is part of and filled from the contour; null for
+  // a picture of fewer than 64 pixels imaged for the world view (its table
+  // would cost more integrals than its rays). rows and cols are the patch
+  // imaged. With world_view (the same view in the world's frame) the
+  // whole picture's columns next to the patch are imaged for their depths,
+  // so that cells beyond the patch hold what they would in the whole; without
+  // it the patch is its own picture. No auxiliary table is built: its
+  // making hung on the count of misses in the patch (aux_table is left
+  // null). The caller deletes the table.
   void build_tables(const TCView& local, object_contour& contour, int rows, int cols,
-                    air_table*& main_table, air_table*& aux_table);
+                    air_table*& main_table, air_table*& aux_table, TCView* world_view = nullptr);
+  // Depths of the whole picture's columns first_col up to end_col of view,
+  // imaged from every other object, into ends.
+  void image_depths(const TCView& view, const object_contour& contour, int first_col, int end_col,
+                    air_table::pixel_ends& ends);
 
   // Height over the base of a point in the air's frame.
   double height_of(const TCVector& p) const;

@@ -56,8 +56,15 @@ void write_matte(TCMatte_fields* fields, int object, int code, int row, int col,
 // Table steps, radians: 0.25 degree in elevation, 2 degrees in azimuth.
 const double table_theta_step = 0.004363323129985824;
 const double table_phi_step = 0.03490658503988659;
-// More pixels than this missing the main table call for an auxiliary one.
-const long aux_table_threshold = 1000;
+// Pictures of fewer pixels than this are imaged exactly, without a table.
+const long least_table_pixels = 64;
+// Table steps at most this many of the picture's pixels (image-plane units
+// taken as radians, which they exceed nowhere).
+const double pixels_per_row_step = 2.0;
+const double pixels_per_column_step = 16.0;
+// Rows at most this share of the angle over which the sky changes at the
+// horizon.
+const double grazing_fraction = 0.1;
 // Near depths at or beyond this have nothing in front of them, metres.
 const double near_nothing = 99989999.0001;
 
@@ -181,76 +188,109 @@ air_table* new_table(TCAir* air) {
 }  // namespace
 
 void TCAir::build_tables(const TCView& local, object_contour& contour, int rows, int cols,
-                         air_table*& main_table, air_table*& aux_table) {
+                         air_table*& main_table, air_table*& aux_table, TCView* world_view) {
   main_table = nullptr;
   aux_table = nullptr;
+  table_misses = 0;
+  // The table is laid out over the whole picture the view is a slice of, so
+  // that its cells do not depend on the slice. Slices are strips of whole
+  // columns; anything else is taken as a picture of its own.
+  TCView whole;
+  int first_col = 0;
+  if (world_view != nullptr && local.whole_n_rows == rows && local.whole_first_row == 0 &&
+      local.whole_n_cols >= cols && local.whole_first_col >= 0 &&
+      local.whole_first_col + cols <= local.whole_n_cols && !contour.near_limit_flag) {
+    local.whole_view(whole);
+    first_col = local.whole_first_col;
+  } else {
+    whole.copy(local);
+    whole.set_grid(rows, local.first_elevation, local.first_elevation + rows * local.step_elevation,
+                   cols, local.first_azimuth, local.first_azimuth + cols * local.step_azimuth);
+  }
+  // A picture of a few pixels (a refined pixel's patch) is cheaper exactly.
+  if (world_view != nullptr && static_cast<long>(whole.n_rows) * whole.n_cols < least_table_pixels)
+    return;
+
   // The range of the view and its margin of two of its smaller pixels.
-  const double step_e = std::fabs(local.step_elevation);
-  const double step_a = std::fabs(local.step_azimuth);
+  const double step_e = std::fabs(whole.step_elevation);
+  const double step_a = std::fabs(whole.step_azimuth);
   const double pixel_margin = (step_e < step_a ? step_e : step_a) * 2.0;
   double phi_offset = sun_azimuth;
   if (phi_offset > tc_pi) phi_offset -= tc_two_pi;
   double e_low = 0.0, e_high = 0.0, a_low = 0.0, a_high = 0.0;
-  view_range(local, phi_offset, e_low, e_high, a_low, a_high);
+  view_range(whole, phi_offset, e_low, e_high, a_low, a_high);
 
-  // A reflected view is seen on finer tables.
+  // A reflected view is seen on finer tables; in a narrow picture the steps
+  // follow its pixels, so that a blend never spans more than a few of them.
   double theta_step = table_theta_step;
   double phi_step = table_phi_step;
   if (contour.level != 0) {
     theta_step *= 0.5;
     phi_step /= 10;
   }
+  if (theta_step > pixels_per_row_step * step_e) theta_step = pixels_per_row_step * step_e;
+  // Near the horizon the sky changes over the angle sqrt(2 H / R) of the
+  // lowest layer's scale height H: rows a tenth of it apart follow it.
+  const double lowest =
+      air_type > 1 && aerosol_height_m < molecular_height_m ? aerosol_height_m : molecular_height_m;
+  if (lowest > 0.0 && surface_radius > 0.0) {
+    const double grazing = grazing_fraction * std::sqrt(2.0 * lowest / surface_radius);
+    if (theta_step > grazing) theta_step = grazing;
+  }
+  if (phi_step > pixels_per_column_step * step_a) phi_step = pixels_per_column_step * step_a;
 
   main_table = new_table(this);
   main_table->define(local.position, phi_offset, theta_step, phi_step, e_low, e_high, a_low, a_high,
                      pixel_margin);
   const double s_primary_min = mean_near_depth(contour, rows, cols);
-  main_table->fill(local, contour, window_margin(local, pixel_margin, theta_step, phi_step),
-                   s_primary_min);
+  const double margin = window_margin(whole, pixel_margin, theta_step, phi_step);
 
-  // Every covered pixel's centre ray against the main table.
-  double* molecular = scratch(0);
-  table_misses = 0;
-  double miss_e_low = 0.0, miss_e_high = 0.0, miss_a_low = 0.0, miss_a_high = 0.0;
-  for (int row = 0; row < rows; row++) {
-    for (int col = 0; col < cols; col++) {
-      if (!(contour.total_coverage[row][col] > 0.0f)) continue;
-      TCRay centre;
-      local.pixel_ray(row, col, centre);
-      double e = 0.0, a = 0.0;
-      main_table->angles_of(centre.direction(), e, a);
-      const double near = air_table::pixel_near(contour, row, col);
-      const double far = air_table::pixel_depth(contour, row, col);
-      if (main_table->lookup(e, a, near, far, molecular, nullptr, nullptr)) continue;
-      // On the columns' side of the seam, as the lookup takes it.
-      if (a < main_table->phi_low) {
-        a += tc_two_pi;
-      } else if (a > main_table->phi_high) {
-        a -= tc_two_pi;
+  // The ends of the pixels the cells pass through: the slice's own, and
+  // those of the whole picture's columns within the margin on either side,
+  // imaged here for their depths alone.
+  int margin_cols = 0;
+  if (world_view != nullptr && step_a > 0.0) {
+    const double count = std::ceil(margin / step_a) + 1.0;
+    margin_cols = count < whole.n_cols ? static_cast<int>(count) : whole.n_cols;
+  }
+  const int low_col = first_col - margin_cols > 0 ? first_col - margin_cols : 0;
+  const int high_col =
+      first_col + cols + margin_cols < whole.n_cols ? first_col + cols + margin_cols : whole.n_cols;
+  air_table::pixel_ends ends(rows, low_col, high_col - low_col);
+  ends.take(contour, first_col);
+  if (low_col < first_col) image_depths(*world_view, contour, low_col, first_col, ends);
+  if (high_col > first_col + cols)
+    image_depths(*world_view, contour, first_col + cols, high_col, ends);
+  main_table->fill_whole(whole, ends, margin, s_primary_min);
+}
+
+void TCAir::image_depths(const TCView& view, const object_contour& contour, int first_col,
+                         int end_col, air_table::pixel_ends& ends) {
+  const int n = end_col - first_col;
+  if (n <= 0 || view.whole_n_cols <= 0) return;
+  const double step = (view.whole_last_azimuth - view.whole_first_azimuth) / view.whole_n_cols;
+  TCView part;
+  part.copy(view);
+  part.set_grid(view.n_rows, view.first_elevation, view.last_elevation, n,
+                view.whole_first_azimuth + first_col * step,
+                view.whole_first_azimuth + end_col * step);
+  object_contour depths(view.n_rows, n, contour.spectrum, contour.min_distance, contour.anti_alias,
+                        nullptr, nullptr);
+  depths.level = contour.level;
+  for (int i = 0; i < TCObject_list::max_objects; i++) depths.active[i] = contour.active[i];
+  depths.first_flag = 1;
+  if (list != nullptr) {
+    for (int i = 0; i < list->n_objects && i < TCObject_list::max_objects; i++) {
+      if (i == object_id || !depths.active[i] || list->objects[i] == nullptr) continue;
+      list->objects[i]->image_contour(part, depths);
+      if (depths.first_flag == 0) {
+        depths.first_flag = 1;
+      } else {
+        depths.merge_layer();
       }
-      if (table_misses == 0 || e < miss_e_low) miss_e_low = e;
-      if (table_misses == 0 || e > miss_e_high) miss_e_high = e;
-      if (table_misses == 0 || a < miss_a_low) miss_a_low = a;
-      if (table_misses == 0 || a > miss_a_high) miss_a_high = a;
-      table_misses++;
     }
   }
-  if (table_misses <= aux_table_threshold) return;
-
-  if (verbose) {
-    std::cout << "building aux table " << table_misses << "\n";
-    std::cout << " theta range " << miss_e_low << " " << miss_e_high << "\n";
-    std::cout << " phi range   " << miss_a_low << " " << miss_a_high << "\n";
-  }
-  aux_table = new_table(this);
-  aux_table->define(local.position, phi_offset, theta_step * 0.5, phi_step * 0.5, miss_e_low,
-                    miss_e_high, miss_a_low, miss_a_high, pixel_margin);
-  aux_table->fill(local, contour, window_margin(local, pixel_margin, theta_step, phi_step),
-                  s_primary_min);
-  if (verbose) {
-    std::cout << " done with auxiliary air table "
-              << "\n";
-  }
+  ends.take(depths, first_col);
 }
 
 void TCAir::image_contour(TCView& view, object_contour& contour) {
@@ -282,7 +322,7 @@ void TCAir::image_contour(TCView& view, object_contour& contour) {
   air_table* main_table = nullptr;
   air_table* aux_table = nullptr;
   if (surface_shape == 1 && air_type != 0 && !external_exact && rows > 0 && cols > 0)
-    build_tables(local, contour, rows, cols, main_table, aux_table);
+    build_tables(local, contour, rows, cols, main_table, aux_table, &view);
 
   const int n = number_of_bands;
   double* temp_radiance = new (std::nothrow) double[4 * (n > 0 ? n : 1)]();

@@ -27,6 +27,10 @@ const float full_coverage = 0.9999f;
 const double negligible_weight = 1e-6;
 // Doubles in all of one table's arrays beyond which no allocation is tried.
 const double most_doubles = 1e11;
+// Ground distances of blended down cells may differ by this ratio at most
+// for a path to the top of the air: beyond it, next to the horizon, a blend
+// in elevation no longer follows the path.
+const double most_ground_ratio = 1.25;
 
 // An angle into -pi..pi; one far out of range is first cut by whole turns.
 double wrapped(double angle) {
@@ -81,6 +85,7 @@ air_table::air_table(TCAir* air_in)
       far_down(nullptr),
       near_up(nullptr),
       far_up(nullptr),
+      ground_down(nullptr),
       inverse_phi_step(0.0),
       computed_cells(0),
       work_(nullptr) {
@@ -111,6 +116,8 @@ void air_table::release() {
   delete[] far_down;
   delete[] near_up;
   delete[] far_up;
+  delete[] ground_down;
+  ground_down = nullptr;
   horizon = nullptr;
   radiance_down = radiance_up = nullptr;
   transmission_down = transmission_up = nullptr;
@@ -139,10 +146,11 @@ void air_table::define(const TCVector& viewpoint_in, double phi_offset_in, doubl
   // The round base's horizon dips below the horizontal by acos(R / (R + h))
   // at height h; from on or under the base there is none to dip.
   double horizon_angle = 0.0;
-  if (air != nullptr && air->surface_shape == 1) {
+  const int round_base = air != nullptr && air->surface_shape == 1 && air->surface_radius > 0.0;
+  if (round_base) {
     const double h = air->height_of(viewpoint);
     const double r = air->surface_radius;
-    if (h > 0.0 && r > 0.0 && std::isfinite(h)) horizon_angle = -std::acos(r / (r + h));
+    if (h > 0.0 && std::isfinite(h)) horizon_angle = -std::acos(r / (r + h));
   }
 
   // Azimuths: one unbroken interval, the whole circle when it would reach
@@ -190,7 +198,27 @@ void air_table::define(const TCVector& viewpoint_in, double phi_offset_in, doubl
   far_down = new_doubles(cells_down);
   near_up = new_doubles(cells_up);
   far_up = new_doubles(cells_up);
-  for (int i = 0; i < n_phi; i++) horizon[i] = horizon_angle;
+  ground_down = new_doubles(cells_down);
+  for (int i = 0; i < n_phi; i++) {
+    horizon[i] = horizon_angle;
+    // Off the air's axis the horizon tilts with the azimuth.
+    if (round_base && horizon_angle < 0.0 && (viewpoint.x != 0.0 || viewpoint.y != 0.0))
+      horizon[i] = exact_horizon(phi_offset + phi_low + i * phi_step);
+  }
+  // Down rows strike the base: the distance to it along each cell's ray.
+  for (int i = 0; i < n_phi; i++) {
+    for (int j = 0; j < n_down; j++) {
+      double ground = tc_nothing;
+      if (round_base) {
+        TCVector d;
+        node_direction(0, j, i, d);
+        double hit_near = 0.0, hit_far = 0.0;
+        if (air->sphere_roots(viewpoint, d, hit_near, hit_far) && hit_far > 0.0)
+          ground = hit_near > 0.0 ? hit_near : hit_far;
+      }
+      ground_down[cell(j, i)] = ground;
+    }
+  }
 
   // The bearing towards the sun, on the same scale as the columns.
   sun_side_flag = 0;
@@ -204,6 +232,27 @@ void air_table::define(const TCVector& viewpoint_in, double phi_offset_in, doubl
   }
 }
 
+double air_table::exact_horizon(double azimuth) const {
+  // From a viewpoint off the air's axis the base's horizon is tilted: the
+  // tangent rays d from p to the sphere about (0, 0, -R) have
+  // q . d = -sqrt(q . q - R^2) with q = p + (0, 0, R), and at this azimuth
+  // q . d = A cos(e) + B sin(e).
+  const double r = air->surface_radius;
+  const TCVector q(viewpoint.x, viewpoint.y, viewpoint.z + r);
+  const double tangent_sq = q.dot(q) - r * r;
+  const double a = q.x * std::cos(azimuth) + q.y * std::sin(azimuth);
+  const double b = q.z;
+  const double c = std::sqrt(a * a + b * b);
+  if (!(tangent_sq > 0.0) || !(c > 0.0)) return 0.0;
+  double ratio = -std::sqrt(tangent_sq) / c;
+  if (ratio < -1.0) ratio = -1.0;
+  double e = std::atan2(b, a) - std::acos(ratio);
+  e = wrapped(e);
+  if (e < -tc_half_pi) e = -tc_half_pi;
+  if (e > tc_half_pi) e = tc_half_pi;
+  return e;
+}
+
 long air_table::plane_cell(int up, int band, int j, int i) const {
   return (static_cast<long>(band) * rows(up) + j) * n_phi + i;
 }
@@ -211,7 +260,9 @@ long air_table::plane_cell(int up, int band, int j, int i) const {
 void air_table::node_direction(int up, int j, int i, TCVector& direction) const {
   const double step = up ? theta_step_up : theta_step_down;
   const double offset = j == 0 ? horizon_offset * step : j * step;
-  const double e = up ? horizon[i] + offset : horizon[i] - offset;
+  double e = up ? horizon[i] + offset : horizon[i] - offset;
+  if (e < -tc_half_pi) e = -tc_half_pi;
+  if (e > tc_half_pi) e = tc_half_pi;
   const double a = phi_offset + phi_low + i * phi_step;
   direction = TCVector(std::cos(e) * std::cos(a), std::cos(e) * std::sin(a), std::sin(e));
 }
@@ -273,8 +324,82 @@ int air_table::cell_ends(const TCView& local_view, const object_contour& contour
   return 1;
 }
 
+air_table::pixel_ends::pixel_ends(int n_rows_in, int first_col_in, int n_cols_in)
+    : n_rows(n_rows_in > 0 ? n_rows_in : 0),
+      first_col(first_col_in),
+      n_cols(n_cols_in > 0 ? n_cols_in : 0),
+      near_end(nullptr),
+      far_end(nullptr) {
+  const long count = static_cast<long>(n_rows) * n_cols;
+  near_end = new_doubles(count);
+  far_end = new_doubles(count);
+  for (long k = 0; k < count; k++) near_end[k] = far_end[k] = tc_nothing;
+}
+
+air_table::pixel_ends::~pixel_ends() {
+  delete[] near_end;
+  delete[] far_end;
+}
+
+void air_table::pixel_ends::take(const object_contour& contour, int first_col_of_contour) {
+  const int rows = contour.n_rows < n_rows ? contour.n_rows : n_rows;
+  for (int row = 0; row < rows; row++) {
+    for (int col = 0; col < contour.n_cols; col++) {
+      const int whole_col = first_col_of_contour + col;
+      if (!has(whole_col)) continue;
+      near_end[at(row, whole_col)] = pixel_near(contour, row, col);
+      // As in cell_ends: a pixel not wholly covered lends the sky's end.
+      far_end[at(row, whole_col)] = contour.total_coverage[row][col] >= full_coverage
+                                        ? pixel_depth(contour, row, col)
+                                        : tc_nothing;
+    }
+  }
+}
+
+int air_table::whole_cell_ends(const TCView& whole_view, const pixel_ends& ends,
+                               double window_margin, const TCVector& direction, double& near_end,
+                               double& far_end) const {
+  const int n_rows = whole_view.n_rows < ends.n_rows ? whole_view.n_rows : ends.n_rows;
+  const int n_cols = whole_view.n_cols;
+  if (n_rows <= 0 || n_cols <= 0) return 0;
+  const TCVector v = whole_view.world_to_view.times(direction);
+  if (!(v.z > 0.0)) return 0;
+  const double e = -v.x / v.z;
+  const double a = -v.y / v.z;
+  const double first_e = whole_view.first_elevation;
+  const double last_e = whole_view.first_elevation + n_rows * whole_view.step_elevation;
+  const double first_a = whole_view.first_azimuth;
+  const double last_a = whole_view.first_azimuth + n_cols * whole_view.step_azimuth;
+  const double low_e = (first_e < last_e ? first_e : last_e) - window_margin;
+  const double high_e = (first_e < last_e ? last_e : first_e) + window_margin;
+  const double low_a = (first_a < last_a ? first_a : last_a) - window_margin;
+  const double high_a = (first_a < last_a ? last_a : first_a) + window_margin;
+  if (!(e >= low_e && e <= high_e && a >= low_a && a <= high_a)) return 0;
+
+  double row_at = 0.0, col_at = 0.0;
+  if (whole_view.step_elevation != 0.0)
+    row_at = std::floor((e - first_e) / whole_view.step_elevation);
+  if (whole_view.step_azimuth != 0.0) col_at = std::floor((a - first_a) / whole_view.step_azimuth);
+  const int row = row_at < 0.0 ? 0 : (row_at > n_rows - 1 ? n_rows - 1 : static_cast<int>(row_at));
+  const int col = col_at < 0.0 ? 0 : (col_at > n_cols - 1 ? n_cols - 1 : static_cast<int>(col_at));
+  if (!ends.has(col)) return 0;
+  near_end = ends.near_end[ends.at(row, col)];
+  far_end = ends.far_end[ends.at(row, col)];
+  return 1;
+}
+
 void air_table::fill(const TCView& local_view, const object_contour& contour, double window_margin,
                      double s_primary_min) {
+  fill_cells(&local_view, &contour, nullptr, window_margin, s_primary_min);
+}
+
+void air_table::fill_whole(const TCView& whole_view, const pixel_ends& ends, double window_margin,
+                           double s_primary_min) {
+  fill_cells(&whole_view, nullptr, &ends, window_margin, s_primary_min);
+}
+
+void air_table::fill_cells(const TCView* local_view, const object_contour* contour,
+                           const pixel_ends* ends, double window_margin, double s_primary_min) {
   if (verbose) {
     std::cout << "table data  "
               << "\n";
@@ -300,8 +425,11 @@ void air_table::fill(const TCView& local_view, const object_contour& contour, do
         node_direction(up, j, i, d);
         const long c = cell(j, i);
         double near_end = tc_nothing, far_end = tc_nothing;
-        if (air == nullptr ||
-            !cell_ends(local_view, contour, window_margin, d, near_end, far_end)) {
+        const int found =
+            ends != nullptr
+                ? whole_cell_ends(*local_view, *ends, window_margin, d, near_end, far_end)
+                : cell_ends(*local_view, *contour, window_margin, d, near_end, far_end);
+        if (air == nullptr || !found) {
           for (int b = 0; b < n; b++) {
             rad[plane_cell(up, b, j, i)] = 0.0;
             rad[plane_cell(up, n + b, j, i)] = 0.0;
@@ -383,17 +511,31 @@ int air_table::lookup(double elevation, double azimuth, double near_req, double 
   const double* near_cells = near(up);
   const double* far_cells = far(up);
   double cell_near = 0.0, cell_far = 0.0;
+  // Cells of negligible weight are left out whole, so that what they hold
+  // never shows.
+  int used[4];
+  double least_ground = 0.0, most_ground = 0.0;
+  int grounds = 0;
   for (int k = 0; k < 4; k++) {
+    used[k] = weight[k] > negligible_weight;
+    if (!used[k]) continue;
     // A cell no ray was computed for has nothing to lend.
-    if (weight[k] > negligible_weight && near_cells[cells[k]] >= open_far_end) return 0;
+    if (near_cells[cells[k]] >= open_far_end) return 0;
     // An open sky ray is never served by a cell that ends on an object: the
     // open-ended tolerance would accept it and darken the sky at every edge.
-    if (weight[k] > negligible_weight && far_req >= open_far_end &&
-        far_cells[cells[k]] < open_far_end) {
-      return 0;
-    }
+    if (far_req >= open_far_end && far_cells[cells[k]] < open_far_end) return 0;
     cell_near += weight[k] * near_cells[cells[k]];
     cell_far += weight[k] * far_cells[cells[k]];
+    if (!up && ground_down != nullptr) {
+      const double g = ground_down[cells[k]];
+      if (grounds == 0 || g < least_ground) least_ground = g;
+      if (grounds == 0 || g > most_ground) most_ground = g;
+      grounds++;
+    }
+  }
+  if (far_req >= open_far_end && grounds > 1 && least_ground < tc_nothing &&
+      !(most_ground <= most_ground_ratio * least_ground)) {
+    return 0;
   }
   const double tolerance = end_tolerance(near_req, far_req);
   if (!(std::fabs(near_req - cell_near) <= tolerance) ||
@@ -407,6 +549,7 @@ int air_table::lookup(double elevation, double azimuth, double near_req, double 
   for (int b = 0; b < n; b++) {
     double m = 0.0, a = 0.0, t = 0.0;
     for (int k = 0; k < 4; k++) {
+      if (!used[k]) continue;
       m += weight[k] * rad[plane_cell(up, b, row_of[k], col_of[k])];
       a += weight[k] * rad[plane_cell(up, n + b, row_of[k], col_of[k])];
       t += weight[k] * trans[plane_cell(up, b, row_of[k], col_of[k])];

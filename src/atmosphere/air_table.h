@@ -40,6 +40,30 @@ class air_table {
               double phi_step_in, double e_low, double e_high, double a_low, double a_high,
               double margin);
 
+  // The path ends of a run of whole-picture columns: per pixel, its near end
+  // and the far end a cell through it serves (metres), as cell_ends takes
+  // them from a contour.
+  class pixel_ends {
+   public:
+    pixel_ends(int n_rows_in, int first_col_in, int n_cols_in);
+    ~pixel_ends();
+    // Columns of the contour taken as whole-picture columns from
+    // first_col on.
+    void take(const object_contour& contour, int first_col_of_contour);
+    int has(int col) const { return col >= first_col && col < first_col + n_cols; }
+    long at(int row, int col) const { return static_cast<long>(row) * n_cols + col - first_col; }
+
+    int n_rows;
+    int first_col;
+    int n_cols;
+    double* near_end;
+    double* far_end;
+
+   private:
+    pixel_ends(const pixel_ends&);
+    pixel_ends& operator=(const pixel_ends&);
+  };
+
   // Computes every cell through the view (in the air's frame) and the
   // contour's depths. window_margin widens the window (image-plane units) so
   // that the nodes around its edge pixels are filled from those pixels.
@@ -47,6 +71,13 @@ class air_table {
   // depth (metres).
   void fill(const TCView& local_view, const object_contour& contour, double window_margin,
             double s_primary_min);
+  // The same over a whole picture (whole_view, air frame) of which only the
+  // columns in ends are known: a cell is computed when it lies in the
+  // widened whole window and its pixel's column is in ends, and holds
+  // nothing otherwise. A cell's content thus depends on its pixel alone,
+  // not on which part of the picture is being imaged.
+  void fill_whole(const TCView& whole_view, const pixel_ends& ends, double window_margin,
+                  double s_primary_min);
 
   // Elevation over the air's horizontal plane and azimuth relative to the
   // sun, wrapped into -pi..pi, of an air-frame direction.
@@ -57,8 +88,11 @@ class air_table {
   // transmission per band (number_of_bands each), 0 for a miss: outside the
   // azimuths, ends off the cells' by more than the tolerance, or a cell of
   // no ray in the blend. An azimuth off the columns is first taken a turn
-  // round, for columns that run past -pi or pi. Any of the outputs may be
-  // null.
+  // round, for columns that run past -pi or pi. A path to the top of the air
+  // that strikes the base is also a miss where the blended cells' ground
+  // distances differ by more than a quarter, next to the horizon: there the
+  // ground distance falls several-fold within a row. Cells of negligible
+  // weight take no part. Any of the outputs may be null.
   int lookup(double elevation, double azimuth, double near, double far, double* molecular,
              double* aerosol, double* transmission) const;
 
@@ -110,6 +144,7 @@ class air_table {
   double* far_down;
   double* near_up;
   double* far_up;
+  double* ground_down;  // per down cell, metres along its ray to the base
 
   double inverse_phi_step;
   // Cells whose integrals were computed by the last fill.
@@ -125,6 +160,13 @@ class air_table {
   // none of the widened window.
   int cell_ends(const TCView& local_view, const object_contour& contour, double window_margin,
                 const TCVector& direction, double& near_end, double& far_end) const;
+  int whole_cell_ends(const TCView& whole_view, const pixel_ends& ends, double window_margin,
+                      const TCVector& direction, double& near_end, double& far_end) const;
+  // Fills each cell from the ends its ray finds, or with nothing.
+  void fill_cells(const TCView* local_view, const object_contour* contour, const pixel_ends* ends,
+                  double window_margin, double s_primary_min);
+  // Elevation of the base's horizon at an air-frame azimuth (radians).
+  double exact_horizon(double azimuth) const;
   // One row kind's (g, j) for an elevation below or above column i's horizon.
   void row_weights(int up, int i, double elevation, int& j0, int& j1, double& g) const;
 

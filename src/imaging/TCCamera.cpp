@@ -365,6 +365,14 @@ void TCCamera::set_view_window(int first_e, int last_e, int first_a, int last_a)
   view.set_pose(position, chi, phi, theta);
   view.set_grid((last_e - first_e + 1) * n_sub_elevation, e0, e1,
                 (last_a - first_a + 1) * n_sub_azimuth, a0, a1);
+  // The whole picture is the camera's window, whichever slice is imaged.
+  double we0 = 0.0, we1 = 0.0, wa0 = 0.0, wa1 = 0.0;
+  plane_window(size_elevation, n_pixel_elevation, first_elevation, last_elevation, we0, we1);
+  plane_window(size_azimuth, n_pixel_azimuth, first_azimuth, last_azimuth, wa0, wa1);
+  view.set_whole((last_elevation - first_elevation + 1) * n_sub_elevation, we0, we1,
+                 (last_azimuth - first_azimuth + 1) * n_sub_azimuth, wa0, wa1,
+                 (first_e - first_elevation) * n_sub_elevation,
+                 (first_a - first_azimuth) * n_sub_azimuth);
   view.anti_alias = anti_alias;
   view.resampling_elevation = resampling_elevation;
   view.resampling_azimuth = resampling_azimuth;

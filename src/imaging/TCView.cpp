@@ -29,7 +29,15 @@ TCView::TCView()
       mode(101),
       anti_alias(1),
       resampling_elevation(0),
-      resampling_azimuth(0) {
+      resampling_azimuth(0),
+      whole_n_rows(1),
+      whole_n_cols(1),
+      whole_first_elevation(-1.0),
+      whole_last_elevation(1.0),
+      whole_first_azimuth(-1.0),
+      whole_last_azimuth(1.0),
+      whole_first_row(0),
+      whole_first_col(0) {
   update_steps();
 }
 
@@ -52,12 +60,43 @@ void TCView::set_grid(int n_rows_in, double first_e, double last_e, int n_cols_i
   first_azimuth = first_a;
   last_azimuth = last_a;
   update_steps();
+  whole_is_own();
 }
 
 void TCView::set_resolution(int n_rows_in, int n_cols_in) {
   n_rows = n_rows_in;
   n_cols = n_cols_in;
   update_steps();
+  whole_is_own();
+}
+
+void TCView::whole_is_own() {
+  whole_n_rows = n_rows;
+  whole_n_cols = n_cols;
+  whole_first_elevation = first_elevation;
+  whole_last_elevation = last_elevation;
+  whole_first_azimuth = first_azimuth;
+  whole_last_azimuth = last_azimuth;
+  whole_first_row = 0;
+  whole_first_col = 0;
+}
+
+void TCView::set_whole(int n_rows_in, double first_e, double last_e, int n_cols_in, double first_a,
+                       double last_a, int first_row, int first_col) {
+  whole_n_rows = n_rows_in;
+  whole_n_cols = n_cols_in;
+  whole_first_elevation = first_e;
+  whole_last_elevation = last_e;
+  whole_first_azimuth = first_a;
+  whole_last_azimuth = last_a;
+  whole_first_row = first_row;
+  whole_first_col = first_col;
+}
+
+void TCView::whole_view(TCView& out) const {
+  out.copy(*this);
+  out.set_grid(whole_n_rows, whole_first_elevation, whole_last_elevation, whole_n_cols,
+               whole_first_azimuth, whole_last_azimuth);
 }
 
 void TCView::copy(const TCView& other) {
@@ -80,6 +119,14 @@ void TCView::copy(const TCView& other) {
   anti_alias = other.anti_alias;
   resampling_elevation = other.resampling_elevation;
   resampling_azimuth = other.resampling_azimuth;
+  whole_n_rows = other.whole_n_rows;
+  whole_n_cols = other.whole_n_cols;
+  whole_first_elevation = other.whole_first_elevation;
+  whole_last_elevation = other.whole_last_elevation;
+  whole_first_azimuth = other.whole_first_azimuth;
+  whole_last_azimuth = other.whole_last_azimuth;
+  whole_first_row = other.whole_first_row;
+  whole_first_col = other.whole_first_col;
 }
 
 void TCView::pixel_bounds(int row, int col, double& e0, double& e1, double& a0, double& a1) const {

@@ -15,8 +15,17 @@ class TCView {
   void set_pose(const TCVector& position_in, double chi_in, double phi_in, double theta_in);
   void set_grid(int n_rows_in, double first_e, double last_e, int n_cols_in, double first_a,
                 double last_a);
-  // New pixel counts over the same ranges.
+  // New pixel counts over the same ranges. Both make the grid its own whole
+  // picture.
   void set_resolution(int n_rows_in, int n_cols_in);
+  // The whole picture this grid is a part of (a camera's slice): its pixel
+  // counts and plane ranges, and the whole picture's row and column of this
+  // grid's first pixel. Whatever is laid out over the picture (the air's
+  // tables) follows the whole, so that slices merged equal it.
+  void set_whole(int n_rows_in, double first_e, double last_e, int n_cols_in, double first_a,
+                 double last_a, int first_row, int first_col);
+  // This view with the whole picture as its grid.
+  void whole_view(TCView& out) const;
   void copy(const TCView& other);
 
   // Image-plane bounds of one pixel: row spans [e0, e1] in elevation from
@@ -76,8 +85,17 @@ class TCView {
   int anti_alias;
   int resampling_elevation;
   int resampling_azimuth;
+  int whole_n_rows;
+  int whole_n_cols;
+  double whole_first_elevation;
+  double whole_last_elevation;
+  double whole_first_azimuth;
+  double whole_last_azimuth;
+  int whole_first_row;  // of this grid's first pixel in the whole picture
+  int whole_first_col;
 
  private:
+  void whole_is_own();
   void update_steps();
 };
 

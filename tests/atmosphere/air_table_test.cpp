@@ -210,6 +210,35 @@ TEST_F(AirTable, NodeRaysRunAlongTheirRowAndColumnAndClearTheHorizon) {
   }
 }
 
+TEST_F(AirTable, OffTheAxisEveryDownRowStrikesTheBaseAndNoUpRowDoes) {
+  // 36 km from the air's origin the base's horizon tilts by about 0.3
+  // degree with the azimuth, more than a row: each column keeps its own.
+  // Every down cell's ray, the one just below the horizon included, must
+  // strike the sphere (so no blend of down cells mixes in sky) and no up
+  // cell's ray may.
+  air_table table(air);
+  const TCVector eye(30000.0, 20000.0, 1000.0);
+  table.define(eye, 0.0, theta_step, phi_step, -0.05, 0.05, -3.1, 3.1, 0.0);
+  ASSERT_GT(table.n_phi, 100);
+  double least = 0.0, most = 0.0;
+  for (int i = 0; i < table.n_phi; i++) {
+    if (i == 0 || table.horizon[i] < least) least = table.horizon[i];
+    if (i == 0 || table.horizon[i] > most) most = table.horizon[i];
+    for (int up = 0; up < 2; up++) {
+      for (int j = 0; j < 3 && j < table.rows(up); j++) {
+        TCVector d;
+        table.node_direction(up, j, i, d);
+        double near = 0.0, far = 0.0;
+        const int strikes = air->sphere_roots(eye, d, near, far) && far > 0.0;
+        EXPECT_EQ(strikes, !up) << "column " << i << " row " << j << " up " << up;
+      }
+    }
+  }
+  // The tilt, 36 km over the radius, on either side.
+  EXPECT_NEAR(most - least,
+              2.0 * std::sqrt(30000.0 * 30000.0 + 20000.0 * 20000.0) / air_scene::radius, 2e-4);
+}
+
 TEST_F(AirTable, AnglesAreTakenFromTheSunsAzimuthAndWrapped) {
   air_table table(air);
   define_small(table, 3.0);
@@ -486,7 +515,8 @@ TEST_F(AirTable, FillPrintsTheTableLayoutWhenVerbose) {
 TEST_F(AirTable, AReflectedViewHalvesTheElevationStepAndTakesATenthOfTheAzimuthStep) {
   TCView view;
   view.set_pose(TCVector(0.0, 0.0, 10.0), 80.0 * degree, 0.0, 0.0);
-  view.set_grid(2, -0.005, 0.005, 2, -0.005, 0.005);
+  // Pixels of 0.05: wide enough that the steps do not follow them.
+  view.set_grid(2, -0.05, 0.05, 2, -0.05, 0.05);
   view.anti_alias = 0;
   object_contour contour(2, 2, &spectrum, 0.0f, 0, nullptr, nullptr);
   EXPECT_EQ(contour.level, 0);
@@ -497,8 +527,12 @@ TEST_F(AirTable, AReflectedViewHalvesTheElevationStepAndTakesATenthOfTheAzimuthS
   air->build_tables(local, contour, 2, 2, main_table, aux_table);
   ASSERT_NE(main_table, nullptr);
   EXPECT_EQ(aux_table, nullptr);
-  EXPECT_DOUBLE_EQ(main_table->theta_step_up, 0.004363323129985824);
-  EXPECT_DOUBLE_EQ(main_table->theta_step_down, 0.004363323129985824);
+  // Rows at most a tenth of the lowest layer's grazing angle apart.
+  const double grazing =
+      0.1 * std::sqrt(2.0 * std::fmin(air->aerosol_height_m, air->molecular_height_m) /
+                      air->surface_radius);
+  EXPECT_DOUBLE_EQ(main_table->theta_step_up, std::fmin(0.004363323129985824, grazing));
+  EXPECT_DOUBLE_EQ(main_table->theta_step_down, std::fmin(0.004363323129985824, grazing));
   EXPECT_DOUBLE_EQ(main_table->phi_step, 0.03490658503988659);
   // The sun's azimuth in the air's frame, within -pi..pi already.
   EXPECT_DOUBLE_EQ(main_table->phi_offset, 0.3);
@@ -507,11 +541,29 @@ TEST_F(AirTable, AReflectedViewHalvesTheElevationStepAndTakesATenthOfTheAzimuthS
   contour.level = 1;
   air->build_tables(local, contour, 2, 2, main_table, aux_table);
   ASSERT_NE(main_table, nullptr);
-  EXPECT_DOUBLE_EQ(main_table->theta_step_up, 0.004363323129985824 / 2);
-  EXPECT_DOUBLE_EQ(main_table->theta_step_down, 0.004363323129985824 / 2);
+  EXPECT_DOUBLE_EQ(main_table->theta_step_up, std::fmin(0.004363323129985824 / 2, grazing));
+  EXPECT_DOUBLE_EQ(main_table->theta_step_down, std::fmin(0.004363323129985824 / 2, grazing));
   EXPECT_DOUBLE_EQ(main_table->phi_step, 0.03490658503988659 / 10);
   delete main_table;
   delete aux_table;
+}
+
+TEST_F(AirTable, ANarrowPicturesStepsFollowItsPixels) {
+  // 0.0005 pixels (0.029 degree): columns sixteen pixels apart, rows two.
+  TCView view;
+  view.set_pose(TCVector(0.0, 0.0, 10.0), 80.0 * degree, 0.0, 0.0);
+  view.set_grid(10, -0.0025, 0.0025, 10, -0.0025, 0.0025);
+  view.anti_alias = 0;
+  object_contour contour(10, 10, &spectrum, 0.0f, 0, nullptr, nullptr);
+  TCView local;
+  air->view_in_object_frame(view, local);
+  air_table* main_table = nullptr;
+  air_table* aux_table = nullptr;
+  air->build_tables(local, contour, 10, 10, main_table, aux_table);
+  ASSERT_NE(main_table, nullptr);
+  EXPECT_NEAR(main_table->phi_step, 0.008, 1e-15);
+  EXPECT_NEAR(main_table->theta_step_up, 0.001, 1e-15);
+  delete main_table;
 }
 
 TEST_F(AirTable, RowsReachTheMiddleOfAWideViewsTopAndBottomEdges) {
