@@ -288,34 +288,40 @@ double air_table::pixel_depth(const object_contour& contour, int row, int col) {
   return s < tc_nothing ? s : tc_nothing;
 }
 
-int air_table::cell_ends(const TCView& local_view, const object_contour& contour,
-                         double window_margin, const TCVector& direction, double& near_end,
-                         double& far_end) const {
-  const int n_rows = local_view.n_rows < contour.n_rows ? local_view.n_rows : contour.n_rows;
-  const int n_cols = local_view.n_cols < contour.n_cols ? local_view.n_cols : contour.n_cols;
+// The pixel of a view (n_rows by n_cols) that a ray in this direction passes
+// through, or the nearest edge pixel when it passes within the margin.
+static int view_pixel_of(const TCView& view, int n_rows, int n_cols, double window_margin,
+                         const TCVector& direction, int& row, int& col) {
   if (n_rows <= 0 || n_cols <= 0) return 0;
-  const TCVector v = local_view.world_to_view.times(direction);
+  const TCVector v = view.world_to_view.times(direction);
   if (!(v.z > 0.0)) return 0;
   const double e = -v.x / v.z;
   const double a = -v.y / v.z;
-  const double first_e = local_view.first_elevation;
-  const double last_e = local_view.first_elevation + n_rows * local_view.step_elevation;
-  const double first_a = local_view.first_azimuth;
-  const double last_a = local_view.first_azimuth + n_cols * local_view.step_azimuth;
+  const double first_e = view.first_elevation;
+  const double last_e = view.first_elevation + n_rows * view.step_elevation;
+  const double first_a = view.first_azimuth;
+  const double last_a = view.first_azimuth + n_cols * view.step_azimuth;
   const double low_e = (first_e < last_e ? first_e : last_e) - window_margin;
   const double high_e = (first_e < last_e ? last_e : first_e) + window_margin;
   const double low_a = (first_a < last_a ? first_a : last_a) - window_margin;
   const double high_a = (first_a < last_a ? last_a : first_a) + window_margin;
   if (!(e >= low_e && e <= high_e && a >= low_a && a <= high_a)) return 0;
 
-  // The pixel it passes through, or the nearest edge pixel in the margin.
   double row_at = 0.0, col_at = 0.0;
-  if (local_view.step_elevation != 0.0)
-    row_at = std::floor((e - first_e) / local_view.step_elevation);
-  if (local_view.step_azimuth != 0.0) col_at = std::floor((a - first_a) / local_view.step_azimuth);
-  const int row = row_at < 0.0 ? 0 : (row_at > n_rows - 1 ? n_rows - 1 : static_cast<int>(row_at));
-  const int col = col_at < 0.0 ? 0 : (col_at > n_cols - 1 ? n_cols - 1 : static_cast<int>(col_at));
+  if (view.step_elevation != 0.0) row_at = std::floor((e - first_e) / view.step_elevation);
+  if (view.step_azimuth != 0.0) col_at = std::floor((a - first_a) / view.step_azimuth);
+  row = row_at < 0.0 ? 0 : (row_at > n_rows - 1 ? n_rows - 1 : static_cast<int>(row_at));
+  col = col_at < 0.0 ? 0 : (col_at > n_cols - 1 ? n_cols - 1 : static_cast<int>(col_at));
+  return 1;
+}
 
+int air_table::cell_ends(const TCView& local_view, const object_contour& contour,
+                         double window_margin, const TCVector& direction, double& near_end,
+                         double& far_end) const {
+  const int n_rows = local_view.n_rows < contour.n_rows ? local_view.n_rows : contour.n_rows;
+  const int n_cols = local_view.n_cols < contour.n_cols ? local_view.n_cols : contour.n_cols;
+  int row = 0, col = 0;
+  if (!view_pixel_of(local_view, n_rows, n_cols, window_margin, direction, row, col)) return 0;
   near_end = pixel_near(contour, row, col);
   // A pixel not wholly covered lends the sky's end: the sample behind its
   // object runs to the top of the air, and that is the one a cell can serve.
@@ -360,28 +366,9 @@ int air_table::whole_cell_ends(const TCView& whole_view, const pixel_ends& ends,
                                double window_margin, const TCVector& direction, double& near_end,
                                double& far_end) const {
   const int n_rows = whole_view.n_rows < ends.n_rows ? whole_view.n_rows : ends.n_rows;
-  const int n_cols = whole_view.n_cols;
-  if (n_rows <= 0 || n_cols <= 0) return 0;
-  const TCVector v = whole_view.world_to_view.times(direction);
-  if (!(v.z > 0.0)) return 0;
-  const double e = -v.x / v.z;
-  const double a = -v.y / v.z;
-  const double first_e = whole_view.first_elevation;
-  const double last_e = whole_view.first_elevation + n_rows * whole_view.step_elevation;
-  const double first_a = whole_view.first_azimuth;
-  const double last_a = whole_view.first_azimuth + n_cols * whole_view.step_azimuth;
-  const double low_e = (first_e < last_e ? first_e : last_e) - window_margin;
-  const double high_e = (first_e < last_e ? last_e : first_e) + window_margin;
-  const double low_a = (first_a < last_a ? first_a : last_a) - window_margin;
-  const double high_a = (first_a < last_a ? last_a : first_a) + window_margin;
-  if (!(e >= low_e && e <= high_e && a >= low_a && a <= high_a)) return 0;
-
-  double row_at = 0.0, col_at = 0.0;
-  if (whole_view.step_elevation != 0.0)
-    row_at = std::floor((e - first_e) / whole_view.step_elevation);
-  if (whole_view.step_azimuth != 0.0) col_at = std::floor((a - first_a) / whole_view.step_azimuth);
-  const int row = row_at < 0.0 ? 0 : (row_at > n_rows - 1 ? n_rows - 1 : static_cast<int>(row_at));
-  const int col = col_at < 0.0 ? 0 : (col_at > n_cols - 1 ? n_cols - 1 : static_cast<int>(col_at));
+  int row = 0, col = 0;
+  if (!view_pixel_of(whole_view, n_rows, whole_view.n_cols, window_margin, direction, row, col))
+    return 0;
   if (!ends.has(col)) return 0;
   near_end = ends.near_end[ends.at(row, col)];
   far_end = ends.far_end[ends.at(row, col)];
