@@ -6,7 +6,7 @@ Run from this folder:
 
 Every value comes from single_scattering_reference.py (a brute-force
 quadrature of the two-layer single-scattering sky, written apart from the
-engine) for the air files in ../data/atmosphere/single_scattering/: clean,
+engine and copied here unchanged; its docstring lists its conventions) for the air files in ../data/atmosphere/single_scattering/: clean,
 dirty and hazy air over a round base of radius 6371000 m, with three bands.
 
 Lines (whitespace separated; '#' starts a comment):
