@@ -234,8 +234,8 @@ int TCAir_input::read_stream(std::istream& in, const char* name) {
 }
 
 // Values from which the air would make NaN or negative light are refused
-// here rather than discovered in a picture. NaN fails every comparison
-// below and is refused with them.
+// here rather than discovered in a picture. Each test is written so that a
+// NaN fails it.
 int TCAir_input::values_make_light(const char* file) const {
   if (surface_shape == 1 && !(surface_radius > 0.0))
     return refuse_value(file, "surface_radius", surface_radius, "must be above 0");
@@ -268,9 +268,6 @@ int TCAir_input::values_make_light(const char* file) const {
   }
   // The dirty air's forward lobe is the factor less 0.1064 per micrometre
   // of the band's centre; the list's band table gives the centres.
-  if (!(aerosol_scattering_factor == aerosol_scattering_factor))
-    return refuse_value(file, "aerosol_scattering_factor", aerosol_scattering_factor,
-                        "is not a number");
   if (list == nullptr) return 1;
   for (int i = 0; i < number_of_bands; i++) {
     for (int k = 0; k < list->number_of_bands; k++) {
