@@ -217,6 +217,8 @@ int TCAir::setup_dirty(const double* centre) {
     const double g1 = aerosol_scattering_factor - 0.1064 * lc;
     const double g2 = 0.07964 * lc - 0.613408;
     const double w = 0.05528 * lc + 0.935354;
+    // A lobe of width 1 or more has no weight and a pole: NaN or negative light.
+    if (!(g1 > -1.0 && g1 < 1.0)) return 0;
     aerosol_g1[m] = g1;
     aerosol_g2[m] = g2;
     aerosol_w1[m] = (1.0 - g1 * g1) * w / four_pi;
@@ -238,6 +240,7 @@ int TCAir::setup_haze(const double* haze_width, const double* haze_strength) {
   aerosol_visibility = tc_nothing;
   for (int m = 0; m < number_of_bands; m++) {
     const double g1 = haze_width != nullptr ? haze_width[m] : 0.0;
+    if (!(g1 > -1.0 && g1 < 1.0)) return 0;
     aerosol_g1[m] = g1;
     aerosol_g2[m] = 0.0;
     aerosol_w1[m] = (1.0 - g1 * g1) / four_pi;
@@ -346,6 +349,19 @@ int TCAir::point_inside(const TCVector& point) {
   return point.dot(point) + 2.0 * surface_radius * point.z >= 0.0 ? 1 : 0;
 }
 
+int TCAir::base_ahead(const TCRay& local, double& distance) const {
+  distance = 0.0;
+  if (surface_shape != 1) {
+    if (!(local[2] >= 0.0 && local[5] < 0.0)) return 0;
+    distance = -local[2] / local[5];
+    return 1;
+  }
+  double near = 0.0, far = 0.0;
+  if (!sphere_roots(local.origin(), local.direction(), near, far) || near < 0.0) return 0;
+  distance = near;
+  return 1;
+}
+
 int TCAir::intersect(const TCRay& ray, TCVector& hit, double& distance) {
   distance = 0.0;
   hit = ray.origin();
@@ -391,6 +407,17 @@ void TCAir::radiance_from(int source_object, const TCRay& ray, TCSpectrum& out) 
     for (int i = 0; i < TCObject_list::max_objects; i++)
       wanted[i] = i != object_id && i != source_object;
     nearest = list->nearest_active(wanted, ray, hit);
+  }
+
+  // The base in front of what the ray would reach is opaque: a sun below a
+  // point's horizon does not light it. A ray from below the base passes.
+  double ground = 0.0;
+  if (base_ahead(local, ground)) {
+    const TCVector to_hit = hit - ray.origin();
+    if (nearest == 0 || (nearest > 0 && ground * ground < to_hit.dot(to_hit))) {
+      for (int k = 0; k < out.n; k++) out.radiance_in_band[k] = 0.0;
+      return;
+    }
   }
 
   if (nearest == 0) {

@@ -104,6 +104,9 @@ class TCAir : public TCObject {
   // Where a ray meets the round base's exact sphere: the two roots, 0 when
   // it misses or only grazes it.
   int sphere_roots(const TCVector& o, const TCVector& d, double& near, double& far) const;
+  // Whether a ray in the air's frame, from a point at or above the base,
+  // strikes the base ahead, and at what distance.
+  int base_ahead(const TCRay& local, double& distance) const;
   // The round base's column (1/H) * integral of exp(-z(s)/H) over [s1, s2],
   // s2 at or beyond 99999999.0 meaning infinity; optical depth = tau * this.
   double round_column(const TCVector& o, const TCVector& d, double s1, double s2, double h) const;

@@ -8,6 +8,7 @@
 
 #include "TCData_file.h"
 #include "TCObject_kinds.h"
+#include "TCObject_list_input.h"
 #include "TCValue_lists.h"
 
 // Packed layout of an atmosphere, positions counted from the root's part
@@ -28,6 +29,9 @@ const int air_file_version = 2;
 const int at_n_bands = 0;
 const int fixed_ints = 5;
 const int fixed_doubles = 9;
+
+// The dirty air's forward lobe narrows by this per micrometre of band centre.
+const double dirty_width_per_micrometre = 0.1064;
 
 // No limit on the sun disc's radiance.
 const double unlimited_radiance = 99999999.0;
@@ -58,6 +62,19 @@ const char* air_type_word(int code) {
     default:
       return nullptr;
   }
+}
+
+// Names the file and the value that cannot make light; always 0.
+int refuse_value(const char* file, const char* field, double value, const char* need) {
+  std::cout << "air file " << file << ": " << field << " " << value << " " << need << "\n";
+  return 0;
+}
+
+int refuse_band_value(const char* file, const char* field, double value, int band,
+                      const char* need) {
+  std::cout << "air file " << file << ": " << field << " " << value << " of band " << band << " "
+            << need << "\n";
+  return 0;
 }
 
 void write_band_values(std::ostream& out, const char* keyword, const double* values, int count) {
@@ -128,7 +145,7 @@ void TCAir_input::release_arrays() {
 int TCAir_input::read_file(const char* path) {
   std::ifstream in;
   if (!open_input_file(in, path, "unable to open air input file ")) return 0;
-  if (read_stream(in)) return 1;
+  if (read_stream(in, path)) return 1;
   return report_file_failure("unable to process air file ", path);
 }
 
@@ -139,7 +156,7 @@ int TCAir_input::write_file(const char* path) {
   return report_file_failure("unable to process air output file ", path);
 }
 
-int TCAir_input::read_stream(std::istream& in) {
+int TCAir_input::read_stream(std::istream& in, const char* name) {
   external_exact = 0;
   const int file_version = check_header(in, "air", air_file_version);
   if (file_version == 0) {
@@ -196,6 +213,7 @@ int TCAir_input::read_stream(std::istream& in) {
   }
   // Everything so far is required; only the tail may be missing.
   if (!in) return 0;
+  if (!values_make_light(name != nullptr ? name : "")) return 0;
 
   // A file that stops here has no limit and the tables on.
   sun_max_radiance = unlimited_radiance;
@@ -213,6 +231,59 @@ int TCAir_input::read_stream(std::istream& in) {
   std::cout << "air file invalid, read " << word << "instead of end"
             << "\n";
   return 0;
+}
+
+// Values from which the air would make NaN or negative light are refused
+// here rather than discovered in a picture. Each test is written so that a
+// NaN fails it.
+int TCAir_input::values_make_light(const char* file) const {
+  if (surface_shape == 1 && !(surface_radius > 0.0))
+    return refuse_value(file, "surface_radius", surface_radius, "must be above 0");
+  if (air_type == 0) {
+    for (int i = 0; i < number_of_bands; i++) {
+      if (!(radiance_value[i] >= 0.0))
+        return refuse_band_value(file, "radiance_value", radiance_value[i], band_id.band_id[i],
+                                 "must not be negative");
+    }
+    return 1;
+  }
+  if (!(molecular_height > 0.0))
+    return refuse_value(file, "molecular_height", molecular_height, "must be above 0");
+  if (!(molecular_density >= 0.0))
+    return refuse_value(file, "molecular_density", molecular_density, "must not be negative");
+  if (air_type == 1) return 1;
+  if (!(aerosol_height > 0.0))
+    return refuse_value(file, "aerosol_height", aerosol_height, "must be above 0");
+  if (!(aerosol_density >= 0.0))
+    return refuse_value(file, "aerosol_density", aerosol_density, "must not be negative");
+  if (air_type == 3) {
+    // A lobe of width 1 or more has a weight of 0 or below and a pole.
+    for (int i = 0; i < number_of_bands; i++) {
+      const double g = haze_phase_function[i];
+      if (!(g > -1.0 && g < 1.0))
+        return refuse_band_value(file, "aerosol_scattering_width", g, band_id.band_id[i],
+                                 "must lie strictly between -1 and 1");
+    }
+    return 1;
+  }
+  // The dirty air's forward lobe is the factor less 0.1064 per micrometre
+  // of the band's centre; the list's band table gives the centres.
+  if (list == nullptr) return 1;
+  for (int i = 0; i < number_of_bands; i++) {
+    for (int k = 0; k < list->number_of_bands; k++) {
+      if (list->objects_spectrum[k].band_id != band_id.band_id[i]) continue;
+      const double g = aerosol_scattering_factor -
+                       dirty_width_per_micrometre * list->objects_spectrum[k].center_wavelength;
+      if (!(g > -1.0 && g < 1.0)) {
+        std::cout << "air file " << file << ": aerosol_scattering_factor "
+                  << aerosol_scattering_factor << " gives band " << band_id.band_id[i]
+                  << " a scattering width of " << g << ", which must lie strictly between -1 and 1"
+                  << "\n";
+        return 0;
+      }
+    }
+  }
+  return 1;
 }
 
 int TCAir_input::write_stream(std::ostream& out) const {

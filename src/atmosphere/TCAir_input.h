@@ -29,7 +29,9 @@ class TCAir_input : public TCObject_input {
   int read_file(const char* path) override;
   int write_file(const char* path) override;
   // 0 after a message; fields read before a failure keep their new values.
-  int read_stream(std::istream& in);
+  // Values that would make NaN or negative light are refused with a message
+  // naming name (the file) and the value.
+  int read_stream(std::istream& in, const char* name = "");
   // 0 for a kind or shape with no word, or a failed stream.
   int write_stream(std::ostream& out) const;
 
@@ -63,6 +65,9 @@ class TCAir_input : public TCObject_input {
 
  private:
   void release_arrays();
+  // 0 after a message naming file and the value, for a value the air cannot
+  // make light from; the dirty air's widths are checked only with a list.
+  int values_make_light(const char* file) const;
   int unpack_air_part(const int* ints, int int_bytes, const double* doubles, int double_bytes,
                       const char* chars, int char_bytes);
   // Counts taken from a packed int array by set_sizes_from_packed; they

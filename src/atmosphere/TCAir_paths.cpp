@@ -28,8 +28,8 @@ const double gaussian_limit = 3.0;
 // Leading term of the shadow cylinder's quadratic below which the ray is
 // taken as running along the sun.
 const double shadow_parallel_limit = 1e-5;
-// Richardson levels at most, and the relative change of the largest band
-// that ends them.
+// Richardson levels at most, and the relative change of every band that
+// ends them.
 const int max_levels = 12;
 const double romberg_tolerance = 0.025;
 // Bound of a stretch of the ray that has no end on that side, metres.
@@ -280,8 +280,8 @@ void TCAir::integrand(const TCRay& ray, double s_start, double s, double* out) {
 }
 
 // Trapezoids halved level by level, each pair of levels extrapolated as
-// (4 T_new - T_old) / 3, until in each layer the largest band moves by less
-// than the tolerance from one level to the next.
+// (4 T_new - T_old) / 3, until every band of both layers moves by less than
+// the tolerance from one level to the next.
 void TCAir::integrate_segment(const TCRay& ray, double s_start, double a, double b, double* total) {
   const int count = layers() * number_of_bands;
   double* t_old = scratch(4);
@@ -308,17 +308,12 @@ void TCAir::integrate_segment(const TCRay& ray, double s_start, double a, double
       t_new[i] = 0.5 * t_old[i] + 0.5 * h * sum[i];
       r_new[i] = (4 * t_new[i] - t_old[i]) / 3;
     }
-    // Each layer's largest band must have settled.
+    // Every band of every layer must have settled: a weak band can still be
+    // far off when the strongest one has.
     int done = level >= 2;
-    for (int layer = 0; done && layer < layers(); layer++) {
-      const double* now = r_new + layer * number_of_bands;
-      const double* before = r_old + layer * number_of_bands;
-      int largest = 0;
-      for (int i = 1; i < number_of_bands; i++)
-        if (std::fabs(now[i]) > std::fabs(now[largest])) largest = i;
-      const double big = number_of_bands > 0 ? std::fabs(now[largest]) : 0.0;
-      const double change = number_of_bands > 0 ? std::fabs(now[largest] - before[largest]) : 0.0;
-      if (!(big == 0.0 || change < romberg_tolerance * big)) done = 0;
+    for (int i = 0; done && i < count; i++) {
+      const double change = std::fabs(r_new[i] - r_old[i]);
+      if (!(change == 0.0 || change < romberg_tolerance * std::fabs(r_new[i]))) done = 0;
     }
     for (int i = 0; i < count; i++) {
       t_old[i] = t_new[i];

@@ -6,8 +6,10 @@
 #include <string>
 
 #include "TCAir_input.h"
+#include "TCBand.h"
 #include "TCData_file.h"
 #include "TCObject_kinds.h"
+#include "TCObject_list_input.h"
 #include "scratch_folder.h"
 #include "stream_capture.h"
 
@@ -485,4 +487,149 @@ TEST(Air_input, unpack_messages_name_the_array_at_fault) {
   delete[] ints;
   delete[] doubles;
   delete[] chars;
+}
+
+namespace {
+
+// A file of the given kind's values over a round base of the given radius.
+std::string air_text(const std::string& kind_and_values, const std::string& radius) {
+  return "Tidecast_data_file air 2 2\nnumber_of_bands 2\nband_id 4 9\nair_type: " +
+         kind_and_values.substr(0, kind_and_values.find('\n') + 1) +
+         "surface_shape round\nsurface_radius " + radius + "\n" +
+         kind_and_values.substr(kind_and_values.find('\n') + 1) + "end\n";
+}
+
+const char* clean_values =
+    "clean\nmolecular_height 1\nmolecular_density 1\nmolecular_wavelength_dependence: 4.1\n";
+
+std::string haze_values(const std::string& widths) {
+  return "haze\nmolecular_height 1\nmolecular_density 1\nmolecular_wavelength_dependence: 4.1\n"
+         "aerosol_height 1\naerosol_density 1\naerosol_scattering_strength:  0.5  0.5\n"
+         "aerosol_scattering_width:  " +
+         widths + "\n";
+}
+
+// Reads text from a file of that name; what was printed goes to printed.
+int read_air_file(TCAir_input& air, const std::string& text, std::string& printed) {
+  Scratch_folder folder;
+  const std::string path = folder.file("sky.air");
+  {
+    std::ofstream out(path);
+    out << text;
+  }
+  Stream_capture out(std::cout);
+  const int result = air.read_file(path.c_str());
+  printed = out.text();
+  // The folder's name changes from run to run.
+  std::string::size_type at;
+  while ((at = printed.find(path)) != std::string::npos)
+    printed.replace(at, path.size(), "sky.air");
+  return result;
+}
+
+}  // namespace
+
+TEST(Air_input, round_base_of_no_radius_is_refused_naming_file_and_value) {
+  for (const char* radius : {"0", "-5"}) {
+    TCAir_input air;
+    std::string printed;
+    EXPECT_EQ(read_air_file(air, air_text(clean_values, radius), printed), 0) << radius;
+    EXPECT_EQ(printed, std::string("air file sky.air: surface_radius ") + radius +
+                           " must be above 0\nunable to process air file sky.air\n");
+  }
+  TCAir_input air;
+  std::string printed;
+  EXPECT_EQ(read_air_file(air, air_text(clean_values, "6371000"), printed), 1) << printed;
+}
+
+TEST(Air_input, flat_base_needs_no_radius) {
+  TCAir_input air;
+  std::string printed;
+  const std::string text =
+      "Tidecast_data_file air 2 2\nnumber_of_bands 1\nband_id 1\nair_type: clean\n"
+      "surface_shape flat\nmolecular_height 1\nmolecular_density 1\n"
+      "molecular_wavelength_dependence: 4.1\nend\n";
+  EXPECT_EQ(read_air_text(air, text, printed), 1) << printed;
+}
+
+TEST(Air_input, haze_width_outside_minus_one_to_one_is_refused) {
+  for (const char* widths : {"0.8  1.5", "0.8  1", "-1  0.8", "0.8  -2"}) {
+    TCAir_input air;
+    std::string printed;
+    EXPECT_EQ(read_air_file(air, air_text(haze_values(widths), "6371000"), printed), 0) << widths;
+    const std::string bad =
+        std::string(widths).find("0.8") == 0
+            ? std::string(widths).substr(5) + " of band 9"
+            : std::string(widths).substr(0, std::string(widths).find(' ')) + " of band 4";
+    EXPECT_EQ(printed, "air file sky.air: aerosol_scattering_width " + bad +
+                           " must lie strictly between -1 and 1\n"
+                           "unable to process air file sky.air\n");
+  }
+  TCAir_input air;
+  std::string printed;
+  EXPECT_EQ(read_air_file(air, air_text(haze_values("-0.99  0.99"), "6371000"), printed), 1)
+      << printed;
+}
+
+TEST(Air_input, negative_densities_and_heights_of_no_size_are_refused) {
+  struct Case {
+    const char* values;
+    const char* message;
+  } cases[] = {
+      {"clean\nmolecular_height 1\nmolecular_density -1\nmolecular_wavelength_dependence: 4.1\n",
+       "molecular_density -1 must not be negative"},
+      {"clean\nmolecular_height 0\nmolecular_density 1\nmolecular_wavelength_dependence: 4.1\n",
+       "molecular_height 0 must be above 0"},
+      {"dirty\nmolecular_height 1\nmolecular_density 1\nmolecular_wavelength_dependence: 4.1\n"
+       "aerosol_height -2\naerosol_density 1\naerosol_scattering_factor 0.93\n",
+       "aerosol_height -2 must be above 0"},
+      {"dirty\nmolecular_height 1\nmolecular_density 1\nmolecular_wavelength_dependence: 4.1\n"
+       "aerosol_height 1\naerosol_density -0.5\naerosol_scattering_factor 0.93\n",
+       "aerosol_density -0.5 must not be negative"},
+  };
+  for (const Case& c : cases) {
+    TCAir_input air;
+    std::string printed;
+    EXPECT_EQ(read_air_file(air, air_text(c.values, "6371000"), printed), 0) << c.message;
+    EXPECT_EQ(printed, std::string("air file sky.air: ") + c.message +
+                           "\nunable to process air file sky.air\n");
+  }
+}
+
+TEST(Air_input, negative_uniform_radiance_is_refused) {
+  TCAir_input air;
+  std::string printed;
+  EXPECT_EQ(
+      read_air_file(air, air_text("uniform\nradiance_value 2\nradiance_value -3\n", "6371000"),
+                    printed),
+      0);
+  EXPECT_EQ(printed,
+            "air file sky.air: radiance_value -3 of band 9 must not be negative\n"
+            "unable to process air file sky.air\n");
+}
+
+TEST(Air_input, dirty_factor_giving_a_band_a_width_of_one_or_more_is_refused) {
+  // The list's band table holds the centres: band 4 at 0.45, band 9 at 0.65
+  // micrometres. A factor of 1.1 gives band 4 a width of 1.1 - 0.1064 * 0.45.
+  TCObject_list_input list;
+  list.number_of_bands = 2;
+  list.objects_spectrum = new TCBand[2];
+  list.objects_spectrum[0].band_id = 9;
+  list.objects_spectrum[0].center_wavelength = 0.65;
+  list.objects_spectrum[1].band_id = 4;
+  list.objects_spectrum[1].center_wavelength = 0.45;
+  const std::string dirty =
+      "dirty\nmolecular_height 1\nmolecular_density 1\nmolecular_wavelength_dependence: 4.1\n"
+      "aerosol_height 1\naerosol_density 1\naerosol_scattering_factor ";
+  TCAir_input air;
+  air.list = &list;
+  std::string printed;
+  EXPECT_EQ(read_air_file(air, air_text(dirty + "1.1\n", "6371000"), printed), 0);
+  EXPECT_EQ(printed,
+            "air file sky.air: aerosol_scattering_factor 1.1 gives band 4 a scattering width of "
+            "1.05212, which must lie strictly between -1 and 1\n"
+            "unable to process air file sky.air\n");
+  TCAir_input fine;
+  fine.list = &list;
+  EXPECT_EQ(read_air_file(fine, air_text(dirty + "0.93\n", "6371000"), printed), 1) << printed;
 }

@@ -473,4 +473,51 @@ TEST_F(AirPaths, RadianceFromSkipsTheSourceObject) {
   EXPECT_DOUBLE_EQ(out.radiance_in_band[0], t.radiance_in_band[0]);
 }
 
+// The base is opaque to the sun in every kind of air: uniform air, which
+// dims nothing, still lets no sun through the ground.
+TEST_F(AirPaths, UniformAirHidesASetSunOverEitherBase) {
+  for (int shape = 0; shape <= 1; shape++) {
+    TCObject_list scene;
+    air_scene::set_bands(scene);
+    // Zenith 1.2 in the sun's convention: 21 degrees below the horizon.
+    air_scene::set_sun(scene, 1.2, 0.0);
+    TCAir* a = air_scene::add_air(scene, 0, shape);
+    TCSpectrum out = two_bands();
+    scene.sun->irradiance_at(TCVector(0.0, 0.0, 5.0), out, &scene, -1);
+    EXPECT_EQ(out.radiance_in_band[0], 0.0) << shape;
+    EXPECT_EQ(out.radiance_in_band[1], 0.0) << shape;
+    scene.sun->set_angles(2.6, 0.0);
+    a->set_sun_values();
+    scene.sun->irradiance_at(TCVector(0.0, 0.0, 5.0), out, &scene, -1);
+    EXPECT_EQ(out.radiance_in_band[0], 1.8) << shape;
+    EXPECT_EQ(out.radiance_in_band[1], 1.5) << shape;
+  }
+}
+
+// Along a ray that strikes the round base, what lies beyond the ground is
+// not asked and sends nothing; what lies in front of it still is.
+TEST_F(AirPaths, RadianceFromStopsAtTheGroundBeforeAFartherObject) {
+  TCAir* a = air(2, 1, 2.6, 0.0);
+  Sun_blocker* blocker = new Sun_blocker(0.5);
+  blocker->hit = 1;
+  blocker->hit_distance = 100.0;
+  list.add_runtime_object(blocker);
+  // From 5 m up, 0.2 down: the ground is about 25 m away.
+  const TCRay ray(TCVector(0, 0, 5), TCVector(0.9797958971132712, 0.0, -0.2));
+  TCSpectrum out(2);
+  out.radiance_in_band[0] = 1.0;
+  out.radiance_in_band[1] = 1.0;
+  a->radiance_from(-1, ray, out);
+  EXPECT_EQ(blocker->radiance_calls, 0);
+  EXPECT_EQ(out.radiance_in_band[0], 0.0);
+  EXPECT_EQ(out.radiance_in_band[1], 0.0);
+
+  blocker->hit_distance = 10.0;
+  out.radiance_in_band[0] = 1.0;
+  out.radiance_in_band[1] = 1.0;
+  a->radiance_from(-1, ray, out);
+  EXPECT_EQ(blocker->radiance_calls, 1);
+  EXPECT_GT(out.radiance_in_band[0], 0.0);
+}
+
 }  // namespace

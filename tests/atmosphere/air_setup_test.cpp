@@ -445,4 +445,34 @@ TEST(AirSetupDeath, UnusableHazeEndsTheRun) {
       ::testing::ExitedWithCode(1), "^TCAir: unable to initialize haze \n$");
 }
 
+TEST(AirSetupDeath, HazeWidthOfOneEndsTheRun) {
+  // A record that did not come through the file reader.
+  EXPECT_EXIT(
+      {
+        std::cout.rdbuf(std::cerr.rdbuf());
+        TCObject_list list;
+        air_scene::set_bands(list);
+        TCAir_input input;
+        air_scene::fill_input(input, 3, 1);
+        input.haze_phase_function[1] = 1.0;
+        TCAir air(input, &list);
+      },
+      ::testing::ExitedWithCode(1), "^TCAir: unable to initialize haze \n$");
+}
+
+TEST(AirSetupDeath, DirtyFactorGivingAWidthBeyondOneEndsTheRun) {
+  // 1.1 - 0.1064 * 0.45 is above 1 in band 1.
+  EXPECT_EXIT(
+      {
+        std::cout.rdbuf(std::cerr.rdbuf());
+        TCObject_list list;
+        air_scene::set_bands(list);
+        TCAir_input input;
+        air_scene::fill_input(input, 2, 1);
+        input.aerosol_scattering_factor = 1.1;
+        TCAir air(input, &list);
+      },
+      ::testing::ExitedWithCode(1), "^TCAir: unable to initialize aerosols \n$");
+}
+
 }  // namespace
