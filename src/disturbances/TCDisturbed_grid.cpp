@@ -132,9 +132,15 @@ void TCDisturbed_grid::set_up(int count, const int* detail_nx, const int* detail
     detail_offset[k][0] = detail_offset[k][1] = 0.0;
     detail_field[k] = nullptr;
   }
-  if (count < 0 || count > capacity) {
+  if (count < 0) {
     std::cout << "unable to allocate grid " << count << "\n";
-    std::cout << "a surface holds at most " << capacity << " disturbances\n";
+    std::cout.flush();
+    std::exit(1);
+  }
+  if (count > capacity) {
+    // The tables hold 100; more would be written past their ends.
+    std::cout << "too many disturbances on surface: " << count << ", at most " << capacity
+              << " fit\n";
     std::cout.flush();
     std::exit(1);
   }
@@ -405,11 +411,15 @@ void TCDisturbed_grid::detail_slope(int k, double u, double v, double& sx, doubl
     return;
   }
   // The stencil spans at least the primary lattice's: S detail nodes.
-  const long long s = static_cast<long long>(slope_step * dx / detail_dx[k]) + 1;
+  double ratio = slope_step * dx / detail_dx[k];
+  // A spacing of 0 or less would give no stencil: one node then.
+  if (!(ratio >= 0.0)) ratio = 0.0;
+  if (ratio > 1000000.0) ratio = 1000000.0;
+  const long long s = static_cast<long long>(ratio) + 1;
   const double run_x = s * detail_dx[k];
   const double run_y = s * detail_dy[k];
   const int periodic = detail_periodic[k];
-  const int margin = static_cast<int>(s < 1000000 ? s : 1000000) + 2;
+  const int margin = static_cast<int>(s) + 2;
   for (int axis = 0; axis < 2; axis++) {
     const double a = (axis == 0 ? u + 0.5 * run_x : u) * detail_inv[k][0];
     const double b = (axis == 1 ? v + 0.5 * run_y : v) * detail_inv[k][1];

@@ -357,7 +357,7 @@ TEST(DisturbedGrid, MoreThanAHundredDetailsAreRefusedWithAClearMessage) {
         TCDisturbed_grid holder(8, 8, 101, n.data(), n.data(), d.data(), d.data(), nullptr, 1.0,
                                 1.0);
       },
-      ::testing::ExitedWithCode(1), "a surface holds at most 100 disturbances");
+      ::testing::ExitedWithCode(1), "too many disturbances on surface: 101, at most 100 fit\n");
 }
 
 TEST(DisturbedGrid, NodeHeightAndNodeSlopeCarryTheDetails) {
