@@ -74,6 +74,23 @@ TEST(DisturbedGrid, WithoutDetailsOrLinesReadsLikeAPlainGrid) {
   EXPECT_EQ(pmax, hmax);
 }
 
+TEST(DisturbedGrid, PrimaryLatticeWrapsEvenOnAxesThatAreNotPeriodic) {
+  TCDisturbed_grid holder(8, 8, 0, nullptr, nullptr, nullptr, nullptr, nullptr, 1.0, 1.0);
+  fill_pattern(holder);
+  holder.offset_x = 4.0;
+  holder.offset_y = 4.0;
+  // A bare lattice would drop far below one row past its top; the holder
+  // reads the first row again.
+  EXPECT_NEAR(holder.height_at(-2.0, 4.0, 0), holder.height[2 + 8 * 0], 1e-12);
+  EXPECT_NEAR(holder.height_at(3.5, -4.0, 0), 0.5 * (holder.height[7] + holder.height[0]), 1e-12);
+  EXPECT_NEAR(holder.height_at_node(9, -1), holder.height[1 + 8 * 7], 1e-12);
+  // Slopes still clamp at the open edges: a backward difference from
+  // node 0 has nothing behind it.
+  double sx, sy;
+  holder.slope_at_node(0, 3, sx, sy);
+  EXPECT_EQ(sx, 0.0);
+}
+
 TEST(DisturbedGrid, AdditiveDetailAddsNothingOutsideAndHalfOverItsEdge) {
   TCDisturbed_grid* holder = flat_holder_with_detail(4);
   for (int k = 0; k < 4 * 6; k++) holder->detail_field[0][k] = 2.0f;
