@@ -82,7 +82,8 @@ TEST(DisturbedGrid, PrimaryLatticeWrapsEvenOnAxesThatAreNotPeriodic) {
   // A bare lattice would drop far below one row past its top; the holder
   // reads the first row again.
   EXPECT_NEAR(holder.height_at(-2.0, 4.0, 0), holder.height[2 + 8 * 0], 1e-12);
-  EXPECT_NEAR(holder.height_at(3.5, -4.0, 0), 0.5 * (holder.height[7] + holder.height[0]), 1e-12);
+  EXPECT_NEAR(holder.height_at(3.5, -4.0, 0),
+              0.5 * (static_cast<double>(holder.height[7]) + holder.height[0]), 1e-12);
   EXPECT_NEAR(holder.height_at_node(9, -1), holder.height[1 + 8 * 7], 1e-12);
   // Slopes still clamp at the open edges: a backward difference from
   // node 0 has nothing behind it.
