@@ -83,3 +83,26 @@ int hdf_read_plane(const char* name, int plane, float* data, const int dims[2]) 
   }
   return 1;
 }
+
+int hdf_read_grid(const char* name, float* data, const int dims[2], int found[2]) {
+  found[0] = 0;
+  found[1] = 0;
+  std::ifstream in(name, std::ios::in | std::ios::binary);
+  if (!in) return hdf_grid_missing;
+  in.close();
+  intn rank = 0;
+  int32 sizes[2] = {0, 0};
+  // A first look makes this the library's current file; the restart then
+  // goes back to its first data set, whatever was read of it before.
+  DFSDgetdims(name, &rank, sizes, 2);
+  DFSDrestart();
+  if (DFSDgetdims(name, &rank, sizes, 2) != 0) return hdf_grid_unreadable;
+  found[0] = sizes[0];
+  found[1] = sizes[1];
+  if (rank != 2 || sizes[0] != dims[0] || sizes[1] != dims[1]) return hdf_grid_wrong_size;
+  // The library converts nothing: only a float plane fits the buffer.
+  int32 number_type = 0;
+  if (DFSDgetNT(&number_type) != 0 || number_type != DFNT_FLOAT32) return hdf_grid_unreadable;
+  if (DFSDgetdata(name, rank, sizes, data) != 0) return hdf_grid_unreadable;
+  return hdf_grid_read;
+}

@@ -14,4 +14,13 @@ int hdf_write_plane(const char* name, const float* data, const int dims[2], int&
 // a float plane of exactly those dims.
 int hdf_read_plane(const char* name, int plane, float* data, const int dims[2]);
 
+// Reads the first data set of a grid file into data, which holds
+// dims[0] * dims[1] floats (dims[0] rows of dims[1]). Prints nothing: the
+// caller words its own failure. found receives the file's dims when known.
+const int hdf_grid_read = 1;
+const int hdf_grid_missing = 0;
+const int hdf_grid_wrong_size = -1;
+const int hdf_grid_unreadable = -2;
+int hdf_read_grid(const char* name, float* data, const int dims[2], int found[2]);
+
 #endif
