@@ -9,8 +9,8 @@
 #include "TCBand.h"
 #include "TCConstants.h"
 #include "TCData_file.h"
-#include "TCObject_list.h"
 #include "TCObject_list_input.h"
+#include "TCScene_tracer.h"
 #include "TCStar.h"
 
 namespace {
@@ -49,7 +49,7 @@ int find_band(const TCBand* table, int n_table, int id, double& centre, double& 
 
 }  // namespace
 
-TCAir::TCAir(const TCAir_input& input, TCObject_list* runtime_list)
+TCAir::TCAir(const TCAir_input& input, TCScene_tracer* runtime_scene)
     : TCObject(input),
       number_of_bands(0),
       band_list(0),
@@ -87,7 +87,7 @@ TCAir::TCAir(const TCAir_input& input, TCObject_list* runtime_list)
       aerosol_scattering_factor(input.aerosol_scattering_factor),
       exact_count(0),
       work_(nullptr) {
-  if (runtime_list != nullptr) list = runtime_list;
+  if (runtime_scene != nullptr) scene = runtime_scene;
   copy_text(air_file, input.object_file, sizeof(air_file));
 
   int count = input.number_of_bands;
@@ -117,9 +117,9 @@ TCAir::TCAir(const TCAir_input& input, TCObject_list* runtime_list)
 
   const TCBand* table = nullptr;
   int n_table = 0;
-  if (runtime_list != nullptr) {
-    table = runtime_list->objects_spectrum;
-    n_table = runtime_list->number_of_bands;
+  if (runtime_scene != nullptr) {
+    table = runtime_scene->band_table();
+    n_table = runtime_scene->band_count();
   } else if (input.list != nullptr) {
     table = input.list->objects_spectrum;
     n_table = input.list->number_of_bands;
@@ -262,7 +262,7 @@ void TCAir::set_sun_values() {
   sun_azimuth = 0.0;
   sun_direction = TCVector(0.0, 0.0, -1.0);
   for (int m = 0; m < number_of_bands; m++) sun_irradiance[m] = 0.0;
-  const TCStar* sun = list != nullptr ? list->sun : nullptr;
+  const TCStar* sun = scene != nullptr ? scene->star() : nullptr;
   sun_solid_angle = sun != nullptr ? sun->solid_angle : default_sun_solid_angle;
   sun_cos_radius = 1.0 - sun_solid_angle / tc_two_pi;
   if (sun == nullptr || !sun->present || !sun->on) return;
@@ -402,11 +402,11 @@ void TCAir::radiance_from(int source_object, const TCRay& ray, TCSpectrum& out) 
 
   int nearest = 0;
   TCVector hit;
-  if (list != nullptr) {
-    int wanted[TCObject_list::max_objects];
-    for (int i = 0; i < TCObject_list::max_objects; i++)
+  if (scene != nullptr) {
+    int wanted[TCScene_tracer::max_objects];
+    for (int i = 0; i < TCScene_tracer::max_objects; i++)
       wanted[i] = i != object_id && i != source_object;
-    nearest = list->nearest_active(wanted, ray, hit);
+    nearest = scene->nearest_active(wanted, ray, hit);
   }
 
   // The base in front of what the ray would reach is opaque: a sun below a
@@ -434,7 +434,7 @@ void TCAir::radiance_from(int source_object, const TCRay& ray, TCSpectrum& out) 
   const int index = nearest > 0 ? nearest - 1 : -nearest - 1;
   const TCVector to_hit = hit - ray.origin();
   const double distance = nearest > 0 ? std::sqrt(to_hit.dot(to_hit)) : 0.0;
-  list->objects[index]->radiance_from(object_id, ray, out);
+  scene->radiance_from(index, object_id, ray, out);
   int positive = 0;
   for (int k = 0; k < out.n; k++)
     if (out.radiance_in_band[k] > 0.0) positive = 1;

@@ -10,7 +10,7 @@
 class TCAir_input;
 #include "air_table.h"
 class TCBand;
-class TCObject_list;
+class TCScene_tracer;
 
 // The atmosphere: a molecular and an aerosol layer, each of exponential
 // density over a flat or round base, lit by the scene's sun in single
@@ -27,11 +27,11 @@ class TCObject_list;
 // the bands their spectra name; a band the air lacks gets 0.
 class TCAir : public TCObject {
  public:
-  // The bands are looked up in runtime_list's band table when it is given,
-  // else in that of the input's own list; an undefined band ends the run
-  // (status 1), as does a layer that cannot be set up or memory running out.
-  // The sun values come from runtime_list's sun, none without a list.
-  explicit TCAir(const TCAir_input& input, TCObject_list* runtime_list = nullptr);
+  // The bands are looked up in the runtime scene's band table when it is
+  // given, else in that of the input's own list; an undefined band ends the
+  // run (status 1), as does a layer that cannot be set up or memory running
+  // out. The sun values come from the runtime scene's sun, none without one.
+  explicit TCAir(const TCAir_input& input, TCScene_tracer* runtime_scene = nullptr);
   ~TCAir() override;
 
   void print_dimensions() override;
@@ -71,7 +71,7 @@ class TCAir : public TCObject {
   // 1.0 in every band for a path of no length.
   void path_transmission(const TCRay& ray, TCSpectrum& out, double s_start, double s_end);
 
-  // From the list's sun, in this air's frame: present, irradiance per band,
+  // From the scene's sun, in this air's frame: present, irradiance per band,
   // disc size, angles and direction; (0, 0, -1) and zeros without a sun.
   void set_sun_values();
 

@@ -9,7 +9,7 @@
 #include "TCAir.h"
 #include "TCConstants.h"
 #include "TCMatte_fields.h"
-#include "TCObject_list.h"
+#include "TCScene_tracer.h"
 #include "TCSettings.h"
 #include "TCView.h"
 #include "air_table.h"
@@ -277,36 +277,16 @@ void TCAir::image_depths(const TCView& view, const object_contour& contour, int 
   object_contour depths(view.n_rows, n, contour.spectrum, contour.min_distance, contour.anti_alias,
                         nullptr, nullptr);
   depths.level = contour.level;
-  for (int i = 0; i < TCObject_list::max_objects; i++) depths.active[i] = contour.active[i];
+  for (int i = 0; i < TCScene_tracer::max_objects; i++) depths.active[i] = contour.active[i];
   depths.first_flag = 1;
-  if (list != nullptr) {
-    for (int i = 0; i < list->n_objects && i < TCObject_list::max_objects; i++) {
-      if (i == object_id || !depths.active[i] || list->objects[i] == nullptr) continue;
-      list->objects[i]->image_contour(part, depths);
-      if (depths.first_flag == 0) {
-        depths.first_flag = 1;
-      } else {
-        depths.merge_layer();
-      }
-    }
-  }
+  if (scene != nullptr) scene->image_contour_for_source(object_id, part, depths);
   ends.take(depths, first_col);
 }
 
 void TCAir::image_contour(TCView& view, object_contour& contour) {
   // Everything else paints first, merged front to back as the list would.
   contour.first_flag = 1;
-  if (list != nullptr) {
-    for (int i = 0; i < list->n_objects && i < TCObject_list::max_objects; i++) {
-      if (i == object_id || !contour.active[i] || list->objects[i] == nullptr) continue;
-      list->objects[i]->image_contour(view, contour);
-      if (contour.first_flag == 0) {
-        contour.first_flag = 1;
-      } else {
-        contour.merge_layer();
-      }
-    }
-  }
+  if (scene != nullptr) scene->image_contour_for_source(object_id, view, contour);
   exact_count = 0;
   main_table_count = 0;
   aux_table_count = 0;

@@ -98,6 +98,7 @@ int TCObject_list::add_runtime_object(TCObject* object) {
   }
   object->object_id = n_objects;
   object->list = this;
+  object->scene = this;
   objects[n_objects] = object;
   adopted_[n_objects] = object;
   n_objects++;
@@ -484,6 +485,66 @@ int TCObject_list::find_by_name(const char* name, int& index) const {
     if (objects[i] != nullptr && std::strcmp(name, objects[i]->get_name()) == 0) index = i;
   }
   return index >= 0 ? 1 : 0;
+}
+
+// ---- The tracer's other queries ----
+
+int TCObject_list::band_count() const {
+  return number_of_bands;
+}
+
+const TCBand* TCObject_list::band_table() const {
+  return objects_spectrum;
+}
+
+const TCStar* TCObject_list::star() const {
+  return sun;
+}
+
+int TCObject_list::sun_irradiance_at(const TCVector& point, TCSpectrum& out, int excluded_id) {
+  if (sun == nullptr) return 0;
+  sun->irradiance_at(point, out, this, excluded_id);
+  return 1;
+}
+
+int TCObject_list::object_count() const {
+  return n_objects;
+}
+
+const char* TCObject_list::object_name(int index) const {
+  if (index < 0 || index >= n_objects || index >= max_objects || objects[index] == nullptr)
+    return nullptr;
+  return objects[index]->get_name();
+}
+
+int TCObject_list::object_kind(int index) const {
+  if (index < 0 || index >= n_objects || index >= max_objects || objects[index] == nullptr)
+    return -1;
+  return objects[index]->get_type();
+}
+
+void TCObject_list::radiance_from(int index, int source_object, const TCRay& ray, TCSpectrum& out) {
+  if (index < 0 || index >= n_objects || index >= max_objects || objects[index] == nullptr) return;
+  objects[index]->radiance_from(source_object, ray, out);
+}
+
+// Not the list's own dispatch: no reset, no refinement, and the caller's
+// first_flag decides whether the first layer is merged.
+void TCObject_list::image_contour_for_source(int source_object, TCView& view,
+                                             object_contour& contour) {
+  for (int i = 0; i < n_objects && i < max_objects; i++) {
+    if (i == source_object || !contour.active[i] || objects[i] == nullptr) continue;
+    objects[i]->image_contour(view, contour);
+    if (contour.first_flag == 0) {
+      contour.first_flag = 1;
+    } else {
+      contour.merge_layer();
+    }
+  }
+}
+
+TCScene_tracer* scene_tracer_of(TCObject_list* list) {
+  return list;
 }
 
 // ---- Frame data and state ----

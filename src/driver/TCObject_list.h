@@ -4,6 +4,7 @@
 #include <iostream>
 
 #include "TCBand.h"
+#include "TCScene_tracer.h"
 
 class TCCamera;
 class TCObject;
@@ -18,17 +19,15 @@ class object_contour;
 // The runtime list of a scene: it owns the objects, the cameras, the sun and
 // the bands, and it is the renderer's dispatch. A view goes through the list
 // as a patch of pixels; each active object paints its own part into an
-// object_contour and the layers merge front to back.
-class TCObject_list {
+// object_contour and the layers merge front to back. It is also the tracer
+// the objects that look through the scene are given. max_objects (from the
+// tracer) bounds the objects and the cameras alike.
+class TCObject_list : public TCScene_tracer {
  public:
-  // Most objects (and cameras) a list holds; also the size of a contour's
-  // active flags.
-  static constexpr int max_objects = 100;
-
   // An empty list: no objects, cameras, sun or bands, every slot null.
   TCObject_list();
   // Calls destroy().
-  ~TCObject_list();
+  ~TCObject_list() override;
 
   // Deletes what the list owns: objects, then cameras, then the sun and the
   // band copy, and leaves the list empty. Slots the caller filled by hand
@@ -79,11 +78,12 @@ class TCObject_list {
   // mean, when the view and the contour both anti-alias. A view with either
   // resampling count below 1 is not refined.
   void image_scene(int* active, TCView& view, TCSpectrum* spectrum, float** radiance_out,
-                   double min_distance, object_contour* contour, int keep_flag);
+                   double min_distance, object_contour* contour, int keep_flag) override;
   // The main pass over every object but source_object (none when it is
   // below 0): what a flat water surface, a volume or a thermal box sees.
   void image_scene_for_source(int source_object, TCView& view, TCSpectrum* spectrum,
-                              float** radiance_out, double min_distance, object_contour* contour);
+                              float** radiance_out, double min_distance,
+                              object_contour* contour) override;
   // The main pass with everything taken from the contour: its active flags,
   // spectrum, output and min_distance; the contour is used as it stands.
   void image_with_contour(TCView& view, object_contour& contour);
@@ -106,7 +106,7 @@ class TCObject_list {
   // containing or forced object, which paints through image_surface_line as
   // well. Marked pixels are refined with this same pass.
   void image_surface_line(int* active, TCView& view, TCSpectrum* spectrum, float** radiance_out,
-                          double min_distance, object_contour* contour, int keep_flag);
+                          double min_distance, object_contour* contour, int keep_flag) override;
   void image_surface_line_for_source(int source_object, TCView& view, TCSpectrum* spectrum,
                                      float** radiance_out, double min_distance,
                                      object_contour* contour);
@@ -117,8 +117,8 @@ class TCObject_list {
   // 0 when nothing is hit, or -(i + 1) when the ray starts inside object i,
   // asked in list order, with hit the ray's origin. Ties keep the earlier
   // object.
-  int nearest_except(int skip_index, const TCRay& ray, TCVector& hit);
-  int nearest_active(const int* flags, const TCRay& ray, TCVector& hit);
+  int nearest_except(int skip_index, const TCRay& ray, TCVector& hit) override;
+  int nearest_active(const int* flags, const TCRay& ray, TCVector& hit) override;
   // Only objects of priority strictly above that of skip_index (all objects
   // when skip_index is out of range).
   int nearest_above_priority(int skip_index, const TCRay& ray, TCVector& hit);
@@ -139,7 +139,18 @@ class TCObject_list {
   // index starts at -1. The name is matched exactly against the object
   // names, the last match winning; 0 when nothing matches. The word "scene"
   // is not special here: callers that give it a meaning test for it first.
-  int find_by_name(const char* name, int& index) const;
+  int find_by_name(const char* name, int& index) const override;
+
+  // The rest of the tracer's queries, answered from the list's own fields.
+  int band_count() const override;
+  const TCBand* band_table() const override;
+  const TCStar* star() const override;
+  int sun_irradiance_at(const TCVector& point, TCSpectrum& out, int excluded_id) override;
+  int object_count() const override;
+  const char* object_name(int index) const override;
+  int object_kind(int index) const override;
+  void radiance_from(int index, int source_object, const TCRay& ray, TCSpectrum& out) override;
+  void image_contour_for_source(int source_object, TCView& view, object_contour& contour) override;
 
   // write_frame_data on every object. with_whitecaps asks an ocean to dump
   // its whitecap state as well; no object kind here has one yet, so it is

@@ -13,7 +13,7 @@
 #include "TCImage_file.h"
 #include "TCMatte_names.h"
 #include "TCObject_kinds.h"
-#include "TCObject_list.h"
+#include "TCScene_tracer.h"
 #include "TCSettings.h"
 #include "TCSgi_image.h"
 #include "object_contour.h"
@@ -132,6 +132,7 @@ TCCamera::TCCamera(const TCCamera_input& input, TCObject_list* list_in)
   efficiency_matte_file[0] = '\0';
   object_id = -1;
   list = list_in;
+  scene = scene_tracer_of(list_in);
 
   // Named after its file, without the extension.
   int k = 0;
@@ -141,10 +142,8 @@ TCCamera::TCCamera(const TCCamera_input& input, TCObject_list* list_in)
   }
   name[k] = '\0';
 
-  TCObject_list no_objects;
-  const TCObject_list& resolver = list != nullptr ? *list : no_objects;
   if (!matte_request.copy_from(input.matte) ||
-      !process_matte_input(matte_request, resolver, mattes, need_picture)) {
+      !process_matte_input(matte_request, scene, mattes, need_picture)) {
     exit_with("unable to process matte part of camera input\n");
   }
 
@@ -467,14 +466,14 @@ void TCCamera::image_slice(Pass pass, const char* prefix, const char* frame_text
     read_efficiency_mask(mask, rows, cols);
   }
 
-  if (list != nullptr) {
+  if (scene != nullptr) {
     object_contour contour(rows, cols, spectrum, planes, 0.0f, view.anti_alias, &mattes, mask);
-    int active[TCObject_list::max_objects];
-    for (int i = 0; i < TCObject_list::max_objects; i++) active[i] = 1;
+    int active[TCScene_tracer::max_objects];
+    for (int i = 0; i < TCScene_tracer::max_objects; i++) active[i] = 1;
     if (pass == surface_line_pass) {
-      list->image_surface_line(active, view, spectrum, planes, 0.0, &contour, 1);
+      scene->image_surface_line(active, view, spectrum, planes, 0.0, &contour, 1);
     } else {
-      list->image_scene(active, view, spectrum, planes, 0.0, &contour, 1);
+      scene->image_scene(active, view, spectrum, planes, 0.0, &contour, 1);
     }
   }
 
@@ -871,9 +870,10 @@ void TCCamera::matte_prefix(int object, int code, const char* prefix, char* out,
     named = matte_request.reflected_objects[code - 7];
     kind = "_reflected";
   }
-  if (named >= 0 && list != nullptr && named < list->n_objects && list->objects[named] != nullptr) {
+  const char* named_name = scene != nullptr ? scene->object_name(named) : nullptr;
+  if (named_name != nullptr) {
     char words[name_length];
-    std::snprintf(words, sizeof(words), "%s%s", list->objects[named]->get_name(), kind);
+    std::snprintf(words, sizeof(words), "%s%s", named_name, kind);
     matte_file_name_words(matte_object_name(object), words, prefix, out, length);
     return;
   }
@@ -882,11 +882,8 @@ void TCCamera::matte_prefix(int object, int code, const char* prefix, char* out,
 
 const char* TCCamera::matte_object_name(int object) const {
   if (object >= mattes.n_objects) return "scene";
-  if (list != nullptr && object >= 0 && object < list->n_objects &&
-      list->objects[object] != nullptr) {
-    return list->objects[object]->get_name();
-  }
-  return "scene";
+  const char* object_name = scene != nullptr ? scene->object_name(object) : nullptr;
+  return object_name != nullptr ? object_name : "scene";
 }
 
 int TCCamera::requested(int object, int code) const {
@@ -944,9 +941,8 @@ void TCBobbing_camera::set_time(double t) {
   double pose_chi = 0.0, pose_phi = 0.0, pose_theta = 0.0;
   track.pose_at(t, pose, pose_chi, pose_phi, pose_theta);
   TCVector moved = pose;
-  for (int i = 0; list != nullptr && i < list->n_objects; i++) {
-    const TCObject* object = list->objects[i];
-    if (object == nullptr || object->get_type() != TC_KIND_OCEAN) continue;
+  for (int i = 0; scene != nullptr && i < scene->object_count(); i++) {
+    if (scene->object_kind(i) != TC_KIND_OCEAN) continue;
     // The ocean supplies point_height: ride_sea(its height, it, pose, moved, chi, theta).
   }
   set_position(moved, pose_chi, pose_phi, pose_theta);

@@ -30,7 +30,8 @@ class TCCamera : public TCObject {
   // Builds the camera for list (cameras are never among its objects): the
   // matte request resolved against the list, the camera's own fields, the
   // image plane, the efficiency matte check, the summary (with verbose) and
-  // the view of the whole window.
+  // the view of the whole window. The camera keeps list_in as list but asks
+  // the scene everything through scene, the list's tracer.
   TCCamera(const TCCamera_input& input, TCObject_list* list_in);
   ~TCCamera() override;
 

@@ -6,7 +6,7 @@
 #include "TCData_file.h"
 #include "TCMatte_fields.h"
 #include "TCMatte_names.h"
-#include "TCObject_list.h"
+#include "TCScene_tracer.h"
 
 namespace {
 
@@ -350,9 +350,24 @@ int TCMatte_input::copy_from(const TCMatte_input& other) {
   return 1;
 }
 
-int process_matte_input(TCMatte_input& request, const TCObject_list& list, TCMatte_fields& fields,
+namespace {
+
+int find_object(const TCScene_tracer* scene, const char* name, int& index) {
+  index = -1;
+  return scene != nullptr ? scene->find_by_name(name, index) : 0;
+}
+
+}  // namespace
+
+int process_matte_input(TCMatte_input& request, const TCScene_tracer& scene, TCMatte_fields& fields,
                         int& need_picture) {
-  fields.set_sizes(matte_code_count, list.n_objects);
+  return process_matte_input(request, &scene, fields, need_picture);
+}
+
+int process_matte_input(TCMatte_input& request, const TCScene_tracer* scene, TCMatte_fields& fields,
+                        int& need_picture) {
+  const int n_objects = scene != nullptr ? scene->object_count() : 0;
+  fields.set_sizes(matte_code_count, n_objects);
   fields.use_mattes = request.use_mattes;
   for (int k = 0; k < TCMatte_input::max_named_objects; k++) {
     request.reflected_objects[k] = -1;
@@ -365,8 +380,8 @@ int process_matte_input(TCMatte_input& request, const TCObject_list& list, TCMat
     int index = -1;
     // The lookup cannot be trusted with "scene" (see find_by_name).
     if (std::strcmp(word, "scene") == 0) {
-      index = list.n_objects;
-    } else if (!list.find_by_name(word, index)) {
+      index = n_objects;
+    } else if (!find_object(scene, word, index)) {
       std::cout << word << " in matte field input does not correspond to and object"
                 << "\n";
       return 0;
@@ -387,7 +402,7 @@ int process_matte_input(TCMatte_input& request, const TCObject_list& list, TCMat
           return 0;
         }
         int object = -1;
-        if (!list.find_by_name(request.alpha_names[k], object)) {
+        if (!find_object(scene, request.alpha_names[k], object)) {
           std::cout << "ERROR - alpha object matte name: " << request.alpha_names[k]
                     << " does not correspond to any object.\n";
           return 0;
@@ -402,7 +417,7 @@ int process_matte_input(TCMatte_input& request, const TCObject_list& list, TCMat
           return 0;
         }
         int object = -1;
-        if (!list.find_by_name(request.reflected_names[k], object)) {
+        if (!find_object(scene, request.reflected_names[k], object)) {
           std::cout << "ERROR - reflected object matte name: " << request.reflected_names[k]
                     << " does not correspond to any object.\n";
           return 0;

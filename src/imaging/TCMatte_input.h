@@ -4,11 +4,11 @@
 #include <iostream>
 
 class TCMatte_fields;
-class TCObject_list;
+class TCScene_tracer;
 
 // The matte section of a camera file: which objects (or "scene", the whole
 // picture) get which mattes. A camera keeps its own copy as its request, and
-// process_matte_input resolves the object words against the list.
+// process_matte_input resolves the object words against the scene.
 //
 // On file:
 //   use_mattes: 1
@@ -81,13 +81,16 @@ class TCMatte_input {
   TCMatte_input& operator=(const TCMatte_input&);
 };
 
-// At camera construction: gives the fields 40 codes and the list's object
+// At camera construction: gives the fields 40 codes and the scene's object
 // count, resolves every object word of the request ("scene" first, then the
-// list's find_by_name) and every reflected and alpha object name, and checks
+// scene's find_by_name) and every reflected and alpha object name, and checks
 // the codes. A request for matte 34 sets need_picture to 0: only the mattes
 // are written. Returns 0, with a message, on the first thing that does not
 // resolve.
-int process_matte_input(TCMatte_input& request, const TCObject_list& list, TCMatte_fields& fields,
+int process_matte_input(TCMatte_input& request, const TCScene_tracer& scene, TCMatte_fields& fields,
+                        int& need_picture);
+// The same for a scene that may be null: one with no objects.
+int process_matte_input(TCMatte_input& request, const TCScene_tracer* scene, TCMatte_fields& fields,
                         int& need_picture);
 
 #endif

@@ -18,6 +18,7 @@ TCObject::TCObject(const TCObject_input& input)
       time(input.start_time),
       priority(input.priority),
       list(nullptr),  // the list sets itself when it adopts the object
+      scene(nullptr),
       object_id(input.object_id),
       type_code(input.type_code),
       track(input.track),
@@ -37,6 +38,7 @@ TCObject::TCObject(const TCKeyframes& track_in, double start_time, double time_i
       time(time_in),
       priority(1.0),
       list(list_in),
+      scene(nullptr),
       object_id(object_id_in),
       type_code(type_code_in),
       track(track_in),

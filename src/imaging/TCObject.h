@@ -12,6 +12,7 @@
 class TCCamera;
 class TCObject_input;
 class TCObject_list;
+class TCScene_tracer;
 class TCView;
 class object_contour;
 
@@ -87,6 +88,9 @@ class TCObject {
   TCMatrix object_to_world;
   TCMatrix world_to_object;
   TCObject_list* list;
+  // The same list as seen by objects that trace through the scene: the list
+  // sets it beside list when it adopts the object; otherwise null.
+  TCScene_tracer* scene;
   int object_id;
   int type_code;
   char name[256];

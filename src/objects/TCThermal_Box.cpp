@@ -5,8 +5,7 @@
 #include <iostream>
 #include <new>
 
-#include "TCObject_list.h"
-#include "TCStar.h"
+#include "TCScene_tracer.h"
 #include "Thermal_box_input.h"
 
 namespace {
@@ -72,8 +71,7 @@ void TCThermal_Box::print_dimensions() {
 
 void TCThermal_Box::prepare_frame() {
   for (int i = 0; i < illumination.n; i++) illumination.radiance_in_band[i] = 0.0;
-  const TCStar* sun = list != nullptr ? list->sun : nullptr;
-  if (sun != nullptr) sun->irradiance_at(position, illumination, list, object_id);
+  if (scene != nullptr) scene->sun_irradiance_at(position, illumination, object_id);
 }
 
 void TCThermal_Box::image_contour(TCView& view, object_contour& contour) {
@@ -86,9 +84,9 @@ int TCThermal_Box::gas_path(const TCVector& entry, const TCVector& direction, do
   // The first other object along the way, if any, ends the path early.
   int other_hit = 0;
   double other_distance = 0.0;
-  if (list != nullptr) {
+  if (scene != nullptr) {
     TCVector other;
-    if (list->nearest_except(object_id, from_entry, other) > 0) {
+    if (scene->nearest_except(object_id, from_entry, other) > 0) {
       const TCVector d = other - entry;
       other_distance = std::pow(d.dot(d), 0.5);
       other_hit = 1;
@@ -117,14 +115,14 @@ void TCThermal_Box::radiance(const TCRay& ray, TCSpectrum& out) {
 void TCThermal_Box::scene_radiance(TCView& view, double min_distance, TCSpectrum& out) {
   for (int k = 0; k < out.n; k++) out.radiance_in_band[k] = 0.0;
   const long long pixels = static_cast<long long>(view.n_rows) * view.n_cols;
-  if (list == nullptr || out.n < 1 || pixels < 1 || pixels > most_pixels) return;
+  if (scene == nullptr || out.n < 1 || pixels < 1 || pixels > most_pixels) return;
   float** planes = new (std::nothrow) float*[out.n]();
   if (planes == nullptr) allocation_failed("unable to allocate memory for imaging");
   for (int k = 0; k < out.n; k++) {
     planes[k] = new (std::nothrow) float[pixels]();
     if (planes[k] == nullptr) allocation_failed("unable to allocate memory for imaging");
   }
-  list->image_scene_for_source(object_id, view, &out, planes, min_distance, nullptr);
+  scene->image_scene_for_source(object_id, view, &out, planes, min_distance, nullptr);
   for (int k = 0; k < out.n; k++) {
     double sum = 0.0;
     for (long long p = 0; p < pixels; p++) sum += planes[k][p];
