@@ -257,29 +257,11 @@ int TCDisturbed_grid::behind_reflecting_line(double x, double y) const {
   return 0;
 }
 
-double TCDisturbed_grid::lattice_node(long long i, long long j) const {
-  if (periodic_x) {
-    i = wrap_index(i, n_x);
-  } else if (i < 0) {
-    i = 0;
-  } else if (i > n_x - 1) {
-    i = n_x - 1;
-  }
-  if (periodic_y) {
-    j = wrap_index(j, n_y);
-  } else if (j < 0) {
-    j = 0;
-  } else if (j > n_y - 1) {
-    j = n_y - 1;
-  }
-  return height[i + static_cast<long long>(n_x) * j];
-}
-
 void TCDisturbed_grid::lattice_node_slope(long long i, long long j, double& sx, double& sy) const {
   const long long s = slope_step;
-  const double h = lattice_node(i, j);
-  sx = (h - lattice_node(i - s, j)) / (s * dx);
-  sy = (h - lattice_node(i, j - s)) / (s * dy);
+  const double h = clamped_height(i, j);
+  sx = (h - clamped_height(i - s, j)) / (s * dx);
+  sy = (h - clamped_height(i, j - s)) / (s * dy);
 }
 
 double TCDisturbed_grid::lattice_value(double x, double y) const {

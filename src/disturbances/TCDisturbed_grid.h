@@ -113,9 +113,7 @@ class TCDisturbed_grid : public TCGrid {
   int valid_index(int i) const;
 
   // Steps of a sample, none of which writes anything.
-  // Raw node height, wrapped on periodic axes and clamped on others, and
-  // the backward differences over slope_step nodes built on it.
-  double lattice_node(long long i, long long j) const;
+  // Backward differences over slope_step nodes of the raw node heights.
   void lattice_node_slope(long long i, long long j, double& sx, double& sy) const;
   double lattice_value(double x, double y) const;
   void lattice_slope(double x, double y, double& sx, double& sy) const;

@@ -100,6 +100,10 @@ class TCGrid {
   // Per metre: h becomes h + cusp_factor * h^2.
   double cusp_factor;
 
+ protected:
+  // Raw node height with wrapping on periodic axes and clamping on others.
+  double clamped_height(long long i, long long j) const;
+
  private:
   void allocate();
   // The four bilinear nodes around lattice position (a, b), in node units:
@@ -108,8 +112,6 @@ class TCGrid {
   // 1 and the element index of node (i, j) when it lies on the lattice after
   // wrapping periodic axes; 0 otherwise.
   int node_element(long long i, long long j, long long& element) const;
-  // Raw node height with wrapping on periodic axes and clamping on others.
-  double clamped_height(long long i, long long j) const;
   double cusped(double h) const;
 
   TCGrid(const TCGrid&);
