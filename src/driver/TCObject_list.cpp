@@ -18,6 +18,7 @@
 #include "TCObject_input.h"
 #include "TCObject_kinds.h"
 #include "TCObject_list_input.h"
+#include "TCOcean.h"
 #include "TCPicture.h"
 #include "TCRay.h"
 #include "TCSkydome.h"
@@ -25,6 +26,7 @@
 #include "TCSpectrum.h"
 #include "TCStar.h"
 #include "TCStar_input.h"
+#include "ocean_input.h"
 #include "TCThermal_Box.h"
 #include "TCVector.h"
 #include "TCView.h"
@@ -523,6 +525,22 @@ int TCObject_list::object_kind(int index) const {
   return objects[index]->get_type();
 }
 
+int TCObject_list::object_position(int index, TCVector& out) const {
+  if (index < 0 || index >= n_objects || index >= max_objects || objects[index] == nullptr)
+    return 0;
+  out = objects[index]->get_position();
+  return 1;
+}
+
+int TCObject_list::surface_height_under(int index, const TCVector& point, double& height,
+                                        double& own_height) const {
+  if (object_kind(index) != TC_KIND_OCEAN) return 0;
+  const TCSurface_object* surface = dynamic_cast<const TCSurface_object*>(objects[index]);
+  if (surface == nullptr) return 0;
+  height = surface->point_height(point, own_height);
+  return 1;
+}
+
 void TCObject_list::radiance_from(int index, int source_object, const TCRay& ray, TCSpectrum& out) {
   if (index < 0 || index >= n_objects || index >= max_objects || objects[index] == nullptr) return;
   objects[index]->radiance_from(source_object, ray, out);
@@ -592,6 +610,8 @@ static TCObject* make_runtime_object(TCObject_input& record, int& known) {
       return new (std::nothrow) TCSkydome(static_cast<const Skydome_input&>(record));
     case TC_KIND_PICTURE:
       return new (std::nothrow) TCPicture(static_cast<const Picture_input&>(record));
+    case TC_KIND_OCEAN:
+      return new (std::nothrow) TCOcean(static_cast<const ocean_input&>(record));
     default:
       known = 0;
       return nullptr;
@@ -661,6 +681,17 @@ int TCObject_list::build(TCObject_list_input& input, int& needs_updates) {
                 << " not defined in program"
                 << "\n";
       return 0;
+    }
+    if (object != nullptr && record->type_code == TC_KIND_OCEAN) {
+      // The sea is built in steps that may fail, and it reads the scene's
+      // bands while it is built.
+      object->object_id = n_objects;
+      object->list = this;
+      object->scene = this;
+      if (!static_cast<TCOcean*>(object)->construct(static_cast<const ocean_input&>(*record))) {
+        delete object;
+        object = nullptr;
+      }
     }
     if (object == nullptr) {
       std::cout << "unable to allocate object " << i + 1 << "\n";

@@ -149,6 +149,9 @@ class TCObject_list : public TCScene_tracer {
   int object_count() const override;
   const char* object_name(int index) const override;
   int object_kind(int index) const override;
+  int object_position(int index, TCVector& out) const override;
+  int surface_height_under(int index, const TCVector& point, double& height,
+                           double& own_height) const override;
   void radiance_from(int index, int source_object, const TCRay& ray, TCSpectrum& out) override;
   void image_contour_for_source(int source_object, TCView& view, object_contour& contour) override;
 

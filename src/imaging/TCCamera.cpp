@@ -918,6 +918,24 @@ int TCCamera::matte_file_planes(int code) const {
 
 // ---- Bobbing camera ----
 
+namespace {
+
+// One sea of the scene, asked for the height under a point and the point's
+// own height over the sea's mean level.
+struct Sea_under {
+  TCScene_tracer* scene;
+  int index;
+};
+
+double clearance_over_sea(void* context, const TCVector& point, double& clearance) {
+  const Sea_under* sea = static_cast<const Sea_under*>(context);
+  double height = 0.0;
+  sea->scene->surface_height_under(sea->index, point, height, clearance);
+  return height;
+}
+
+}  // namespace
+
 TCBobbing_camera::TCBobbing_camera(const TCBobbing_camera_input& input, TCObject_list* list_in)
     : TCCamera(input, list_in),
       decouple_height(input.decouple_height),
@@ -942,8 +960,10 @@ void TCBobbing_camera::set_time(double t) {
   track.pose_at(t, pose, pose_chi, pose_phi, pose_theta);
   TCVector moved = pose;
   for (int i = 0; scene != nullptr && i < scene->object_count(); i++) {
-    if (scene->object_kind(i) != TC_KIND_OCEAN) continue;
-    // The ocean supplies point_height: ride_sea(its height, it, pose, moved, chi, theta).
+    double height = 0.0, own = 0.0;
+    if (!scene->surface_height_under(i, moved, height, own)) continue;
+    Sea_under sea = {scene, i};
+    ride_sea(clearance_over_sea, &sea, pose, moved, pose_chi, pose_theta);
   }
   set_position(moved, pose_chi, pose_phi, pose_theta);
 }

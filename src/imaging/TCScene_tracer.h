@@ -38,6 +38,13 @@ class TCScene_tracer {
   virtual int object_count() const = 0;
   virtual const char* object_name(int index) const = 0;
   virtual int object_kind(int index) const = 0;
+  // An object's position (world, metres): 1, or 0 where there is no object.
+  virtual int object_position(int index, TCVector& out) const = 0;
+  // For a surface object (the sea): the surface height under a world point
+  // and the point's own height, both over the surface's mean level
+  // (metres); 1, or 0 for any other object.
+  virtual int surface_height_under(int index, const TCVector& point, double& height,
+                                   double& own_height) const = 0;
   // index becomes the last object of exactly that name: 1, or -1 and 0 when
   // none has it.
   virtual int find_by_name(const char* name, int& index) const = 0;

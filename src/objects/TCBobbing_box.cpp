@@ -7,7 +7,7 @@
 #include "Bobbing_box_input.h"
 #include "TCData_file.h"
 #include "TCObject_kinds.h"
-#include "TCObject_list.h"
+#include "TCScene_tracer.h"
 
 namespace {
 
@@ -26,6 +26,21 @@ int read_float(std::istream& in, float& value) {
   }
   value = static_cast<float>(read_value);
   return 1;
+}
+
+// One sea of the scene, asked for the height under a point and how far the
+// point stands over it.
+struct Sea_under {
+  TCScene_tracer* scene;
+  int index;
+};
+
+double height_over_sea(void* context, const TCVector& point, double& relative) {
+  const Sea_under* sea = static_cast<const Sea_under*>(context);
+  double height = 0.0, own = 0.0;
+  sea->scene->surface_height_under(sea->index, point, height, own);
+  relative = own - height;
+  return height;
 }
 
 }  // namespace
@@ -51,10 +66,11 @@ void TCBobbing_box::set_time(double t) {
   double pose_chi = 0.0, pose_phi = 0.0, pose_theta = 0.0;
   track.pose_at(t, p, pose_chi, pose_phi, pose_theta);
   TCVector moved = p;
-  for (int i = 0; list != nullptr && i < list->n_objects && i < TCObject_list::max_objects; i++) {
-    const TCObject* object = list->objects[i];
-    if (object == nullptr || object->get_type() != TC_KIND_OCEAN) continue;
-    // The ocean supplies its height: ride_surface(its height, it, p, phi, moved, chi, theta).
+  for (int i = 0; scene != nullptr && i < scene->object_count(); i++) {
+    double height = 0.0, own = 0.0;
+    if (!scene->surface_height_under(i, moved, height, own)) continue;
+    Sea_under sea = {scene, i};
+    ride_surface(height_over_sea, &sea, p, pose_phi, moved, pose_chi, pose_theta);
   }
   set_position(moved, pose_chi, pose_phi, pose_theta);
 }

@@ -142,12 +142,14 @@ int TCJerlov_water::compute(int type, double wavelength) {
 }
 
 int TCJerlov_water::compute_for_band(const TCObject_list& list, int band_id, int type) {
+  return compute_for_band(list.objects_spectrum, list.number_of_bands, band_id, type);
+}
+
+int TCJerlov_water::compute_for_band(const TCBand* bands, int count, int band_id, int type) {
   if (type < 1 || type > 5) return 0;
-  if (list.objects_spectrum != nullptr) {
-    for (int i = 0; i < list.number_of_bands; ++i) {
-      if (list.objects_spectrum[i].band_id == band_id) {
-        return compute(type, list.objects_spectrum[i].center_wavelength);
-      }
+  if (bands != nullptr) {
+    for (int i = 0; i < count; ++i) {
+      if (bands[i].band_id == band_id) return compute(type, bands[i].center_wavelength);
     }
   }
   std::cout << " ocean attempting to use an undefined band\n"

@@ -1,6 +1,7 @@
 #ifndef TC_JERLOV_WATER_H
 #define TC_JERLOV_WATER_H
 
+class TCBand;
 class TCObject_list;
 
 // Optics of sea water of one Jerlov type in one band: absorption a,
@@ -31,6 +32,8 @@ class TCJerlov_water {
   // band" and "band " id " not defined in object list", each on its own
   // line, and returns 0 with the values left alone.
   int compute_for_band(const TCObject_list& list, int band_id, int type);
+  // The same over a band table of count bands (null for none).
+  int compute_for_band(const TCBand* bands, int count, int band_id, int type);
 
   // Pigment concentration C of a type (0 to 5); 0.0 outside.
   static double pigment_concentration(int type);

@@ -1,0 +1,127 @@
+#ifndef TC_SURFACE_OBJECT_H
+#define TC_SURFACE_OBJECT_H
+
+#include "TCGrid.h"
+#include "TCRay.h"
+#include "TCSpectrum.h"
+#include "TCVector.h"
+#include "box_class.h"
+
+class TCScene_tracer;
+class TCTexture_plane;
+class surface_object_input;
+
+// A height field over a lattice inside a box: the sea, and later the land.
+// Rays find the surface by marching through the box; the box hugs the waves,
+// from the deepest water shown to the highest crest.
+//
+// Frames: the object frame is the scene pose's; the box frame is the object
+// frame moved so that the box is centred on its origin (box_centre is the
+// box's centre in the object frame). The lattice answers heights in the box
+// frame: its z_offset is minus the box centre's z, so a raw lattice height
+// of 0 lies on the object frame's z = 0 plane.
+class TCSurface_object : public box_class {
+ public:
+  // Box lengths from the input, centred on the pose; no lattice, no bands;
+  // no sun (zero irradiance, straight-down direction, zenith 9.42477796).
+  explicit TCSurface_object(const surface_object_input& input);
+  ~TCSurface_object() override;
+
+  // Rays and points of the object frame, answered by the surface inside the
+  // box rather than by the box's faces.
+  int point_inside(const TCVector& point) override;
+  int intersect(const TCRay& ray, TCVector& hit, double& distance) override;
+
+  // The table axes from their sizes: cosine -1 to 1, azimuth -pi to pi.
+  virtual void set_table_axes();
+  // New box lengths (metres) and centre (object frame).
+  virtual void set_box(const TCVector& box_length, const TCVector& centre);
+  // True unless the word is "flat".
+  virtual int is_round(const char* word);
+  // Steps along origin + s direction (box frame, unit direction) from s =
+  // start to end by step, looking for the first point in the water: 1 with
+  // distance set (refined by bisect when refine is set, else the last point
+  // outside), 0 with distance 0 when none is. A start in the water is a hit
+  // at distance 0.
+  virtual int march(double start, double end, double step, const TCVector& origin,
+                    const TCVector& direction, double& distance, int refine);
+  // Five halvings of the bracket [a, b], a outside and b in the water:
+  // distance is the middle of what is left, within step / 64 of the surface.
+  virtual void bisect(double a, double b, double step, const TCVector& origin,
+                      const TCVector& direction, double& distance);
+  // Radiance the surface returns along a world ray that meets it at point
+  // with unit upward normal, from above (side 1) or below (-1), into the
+  // bands of spectrum; matte_values may be null. footprint in metres.
+  // Nothing here: the kinds fill it.
+  using box_class::surface_radiance;
+  virtual void surface_radiance(const TCRay& ray, const TCVector& point, const TCVector& normal,
+                                TCSpectrum& spectrum, int side, float* matte_values,
+                                double footprint);
+  // Unresolved slopes for a footprint of scale lattice cells. Nothing here.
+  virtual void set_footprint(double scale);
+  virtual void set_reflection_footprint(double scale);
+
+  // Box frame: below height_at(x, y) with the round drop.
+  int inside(const TCVector& point) const;
+  // The ray (box frame, unit direction) to the surface: 1 with the hit and
+  // its distance along the ray, else 0. distance is -1.0 until found, and 0
+  // for a miss.
+  int distance_to_surface(const TCRay& ray, TCVector& hit, double& distance);
+  // band_radiance and the external tables, after set_table_axes. Without a
+  // band spectrum: two lines and exit 1.
+  void allocate_surface_arrays();
+  // A world point: the surface height under it and the point's own height,
+  // both over the object frame's z = 0 (metres).
+  double point_height(const TCVector& point, double& z_out) const;
+  // A box-frame point moved vertically onto the surface.
+  void project_to_surface(const TCVector& point, TCVector& out) const;
+  // Round surface: the angle below the horizontal at which a line of sight
+  // from the ray's origin meets the sphere along azimuth (radians); 0 flat.
+  double curvature_angle(const TCRay& ray, double azimuth) const;
+  // The surface sampled on a definition file's rectangle, written as
+  // "<name>_grid.<suffix>.img". Failures exit 1.
+  int write_height_grid(const char* definition_file, const char* suffix);
+  // Radiance of a texture over a polygon's vertices (metres in the texture's
+  // frame, at most 400 of them): 1, or 0 after the message for too many.
+  int radiance_texture_surface(TCTexture_plane& texture, int n_points, const double* xs,
+                               const double* ys, double footprint, int side, double* out);
+  // The sun of the scene into the per-band irradiance and the two
+  // directions; no sun gives zero irradiance, straight down and the
+  // out-of-range zenith.
+  void update_sun(const TCScene_tracer* tracer);
+
+  // World ray into the box frame.
+  void ray_to_box(const TCRay& world_ray, TCRay& out) const;
+  void point_to_box(const TCVector& world_point, TCVector& out) const;
+
+  TCGrid* lattice;
+  TCSpectrum* object_spectrum;  // owned
+  int n_bands;
+  int sun_on;
+  float* sun_irradiance;  // per band
+  double sun_zenith;      // radians
+  double sun_azimuth;
+  TCVector sun_direction;        // towards the sun, world axes
+  TCVector sun_direction_local;  // the same in the object frame
+  double ray_step;               // metres
+  double max_distance;           // metres
+  double* external_radiance;     // [band][cosine][azimuth]
+  double* external_radiance_mean;
+  int fresnel_axis_n;
+  int azimuth_axis_n;
+  double fresnel_first, fresnel_last, fresnel_step, fresnel_inverse_step;
+  double azimuth_first, azimuth_last, azimuth_step, azimuth_inverse_step;
+  int table_ready;
+  double* band_radiance;
+  TCVector box_centre;  // object frame, metres
+
+  // The zenith standing for "no sun": about three pi, out of any range.
+  static const double no_sun_zenith;
+  static const int most_texture_points = 400;
+
+ private:
+  TCSurface_object(const TCSurface_object&);
+  TCSurface_object& operator=(const TCSurface_object&);
+};
+
+#endif

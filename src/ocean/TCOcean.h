@@ -1,0 +1,172 @@
+#ifndef TC_OCEAN_H
+#define TC_OCEAN_H
+
+#include <iostream>
+
+#include "TCGrid.h"
+#include "TCSurface_object.h"
+
+class TCDisturbed_grid;
+class TCGrid_details_input;
+class TCSurface_field;
+class TCWave_spectrum;
+class ocean_input;
+
+// The sea of a scene: a box-shaped surface object around one lattice of
+// wind waves, with up to one further ocean lattice and any number of
+// disturbances (swell, imported height and multiplier maps, walls, ...)
+// combined with it where the surface is sampled. Built from an ocean file's
+// record by construct(); brought to each frame's time by update_to_time(),
+// which sizes the box to the waves.
+class TCOcean : public TCSurface_object {
+ public:
+  static const int most_fields = 100;
+
+  // Disturbance and grid codes of the field table.
+  static const int code_ocean_grid = 1;
+  static const int code_reflect = -1;
+  static const int code_deform = -2;
+  static const int code_wall = -3;
+  static const int code_ripple = -4;
+  static const int code_swell = -5;
+  static const int code_wake = -6;
+  static const int code_height_grid = -7;
+  static const int code_multiplier_grid = -8;
+  static const int code_boat = -9;
+
+  // What the ocean keeps of each field besides the field itself.
+  struct Field_entry {
+    int field_code;
+    int n_x, n_y;
+    double dx, dy;  // metres
+    int periodic_x, periodic_y;
+    double centre_x, centre_y;  // metres
+    double start_time;          // seconds, for kinds that move
+    const TCGrid_details_input* record;
+    char spectrum_file[256];
+    char detail_file[256];
+  };
+
+  // The box and the pose of the record; nothing else until construct.
+  explicit TCOcean(const ocean_input& input);
+  ~TCOcean() override;
+
+  // Builds the sea from its record, in the order the messages name: 1, or 0
+  // after its line (the object is then not used). Some failures exit. Needs
+  // the scene (its band table) when the water type is computed per band.
+  int construct(const ocean_input& input);
+
+  // The frame update and the per-frame sun and sky update.
+  void set_time(double t) override;
+  void prepare_frame() override;
+
+  // Brings the surface to time t (seconds of the scene): every field in
+  // its order, the height range, the box, whitecaps.
+  void update_to_time(double t);
+  // The box reaches from box_depth below the mean surface to top above it.
+  void set_box_top(double top);
+  // Prints its line and evolves every field's velocity potential to t.
+  void evolve_potentials(double t);
+  // Height (metres over the mean surface) and slopes at a box-frame x, y,
+  // without the round drop.
+  double surface_height(double x, double y);
+  void surface_slope(double x, double y, double& dzdx, double& dzdy);
+  // A byte per pixel, 1 under a boat's hull; zero without a boat or wake.
+  void hull_mask(unsigned char* buffer, int n_cols, int n_rows);
+  // The sea's parameters on the log.
+  void print_parameters(std::ostream& out) const;
+  // The per-scene update: the sky tables when the sun moved (or under an
+  // atmosphere), which objects stand above the water, the footprint.
+  void update_scene();
+
+  Field_entry primary;  // the primary lattice, dy made equal to dx
+  int primary_seed;     // 0: the spectrum file must exist
+  int last_index;       // lattice steps to max_distance
+  int doubling_size;    // lattice steps to doubling_distance
+  TCGrid* ocean_grid;  // owned; a TCDisturbed_grid when has_disturbances
+  TCDisturbed_grid* holder;  // the same lattice when it is a holder, else null
+  int has_disturbances;
+  TCWave_spectrum* ocean_field;  // owned
+  TCSurface_field* fields[most_fields];
+  Field_entry field_info[most_fields];
+  int n_fields;
+  int n_walls;
+  double wall_origin[most_fields][2];  // metres
+  double wall_orientation[most_fields];  // radians
+
+  double box_depth;  // metres
+  double reference_time;  // seconds
+  int external_exact;
+  int air_coupling;
+  int reflection_method;
+  int shadow_method;
+  double max_exact_distance_sq;
+  double max_shadow_fraction;
+  double shadow_distance_sq;
+  double sharpening;
+  int include;
+  int keep_reflection_table;
+
+  // Per band: index of refraction, negative Snell cosine, water optics.
+  float* index_of_refraction;
+  float* snell_cosine;
+  double* a;
+  double* b;
+  double* c;
+  double* k;
+  double* refl;
+
+  // What the record said, kept for printing and for the glitter and
+  // whitecap code to come.
+  int spectrum_type;
+  int round_surface;
+  double surface_radius;
+  double wind_speed;      // metres per second
+  double wind_direction;  // radians
+  int variable_wind;
+  char wind_file[256];
+  int glitter_mode;
+  int sharpening_variable;
+  int n_sharpening;
+  double* sharpening_angle;  // radians
+  double* sharpening_value;
+  double sharpening_factor;
+  double glitter_threshold;
+  int saturated;
+  int saturation_band;
+  double saturation_threshold;
+  double* sub_saturation_scale;
+  double* saturation_value;
+  int whitecaps_on;
+  const ocean_input* whitecap_record;
+  int cusp_on;
+  double cusp_factor;
+  int sunbeam_on;
+
+  double current_time;  // seconds
+  float height_low, height_high;  // metres, the last range found
+  double stored_sun[3];           // the direction the tables were made for
+  int object_above[100];
+  int table_level;
+  int n_levels;
+  short* table_done[2];  // per level, above and below
+  int table_builds;      // how often the sky tables were asked for
+
+ private:
+  int take_glitter(const ocean_input& input);
+  int take_bands(const ocean_input& input);
+  int allocate_tables();
+  // Whitecap grids needed to reach max_distance from the finest.
+  int whitecap_grid_count() const;
+  int take_grid(const TCGrid_details_input& grid, int code, Field_entry& entry);
+  int build_lattice();
+  int build_spectrum(const ocean_input& input);
+  int build_fields();
+  void first_box();
+  void print_field(std::ostream& out, const Field_entry& entry) const;
+
+  TCOcean(const TCOcean&);
+  TCOcean& operator=(const TCOcean&);
+};
+
+#endif
