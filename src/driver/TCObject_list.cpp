@@ -26,12 +26,12 @@
 #include "TCSpectrum.h"
 #include "TCStar.h"
 #include "TCStar_input.h"
-#include "ocean_input.h"
 #include "TCThermal_Box.h"
 #include "TCVector.h"
 #include "TCView.h"
 #include "Thermal_box_input.h"
 #include "object_contour.h"
+#include "ocean_input.h"
 
 namespace {
 

@@ -83,6 +83,8 @@ int TCSurface_object::intersect(const TCRay& ray, TCVector& hit, double& distanc
   return found;
 }
 
+void TCSurface_object::image_contour(TCView&, object_contour&) {}
+
 void TCSurface_object::set_table_axes() {
   fresnel_first = -1.0;
   fresnel_last = 1.0;
@@ -145,8 +147,8 @@ void TCSurface_object::bisect(double a, double b, double, const TCVector& origin
   distance = 0.5 * (outside_end + water_end);
 }
 
-void TCSurface_object::surface_radiance(const TCRay&, const TCVector&, const TCVector&,
-                                        TCSpectrum&, int, float*, double) {}
+void TCSurface_object::surface_radiance(const TCRay&, const TCVector&, const TCVector&, TCSpectrum&,
+                                        int, float*, double) {}
 
 void TCSurface_object::set_footprint(double) {}
 
@@ -253,8 +255,8 @@ int TCSurface_object::write_height_grid(const char* definition_file, const char*
 }
 
 int TCSurface_object::radiance_texture_surface(TCTexture_plane& texture, int n_points,
-                                               const double* xs, const double* ys,
-                                               double footprint, int side, double* out) {
+                                               const double* xs, const double* ys, double footprint,
+                                               int side, double* out) {
   if (n_points > most_texture_points) {
     std::cout << "Error in radiance_texture_surface: too many points: " << n_points << "\n";
     return 0;

@@ -31,6 +31,9 @@ class TCSurface_object : public box_class {
   // box rather than by the box's faces.
   int point_inside(const TCVector& point) override;
   int intersect(const TCRay& ray, TCVector& hit, double& distance) override;
+  // The surface is drawn by sampling its lattice in image space, not by its
+  // box's faces; until that sampler is part of the build it paints nothing.
+  void image_contour(TCView& view, object_contour& contour) override;
 
   // The table axes from their sizes: cosine -1 to 1, azimuth -pi to pi.
   virtual void set_table_axes();

@@ -79,11 +79,11 @@ class TCOcean : public TCSurface_object {
   // atmosphere), which objects stand above the water, the footprint.
   void update_scene();
 
-  Field_entry primary;  // the primary lattice, dy made equal to dx
-  int primary_seed;     // 0: the spectrum file must exist
-  int last_index;       // lattice steps to max_distance
-  int doubling_size;    // lattice steps to doubling_distance
-  TCGrid* ocean_grid;  // owned; a TCDisturbed_grid when has_disturbances
+  Field_entry primary;       // the primary lattice, dy made equal to dx
+  int primary_seed;          // 0: the spectrum file must exist
+  int last_index;            // lattice steps to max_distance
+  int doubling_size;         // lattice steps to doubling_distance
+  TCGrid* ocean_grid;        // owned; a TCDisturbed_grid when has_disturbances
   TCDisturbed_grid* holder;  // the same lattice when it is a holder, else null
   int has_disturbances;
   TCWave_spectrum* ocean_field;  // owned
@@ -91,10 +91,10 @@ class TCOcean : public TCSurface_object {
   Field_entry field_info[most_fields];
   int n_fields;
   int n_walls;
-  double wall_origin[most_fields][2];  // metres
+  double wall_origin[most_fields][2];    // metres
   double wall_orientation[most_fields];  // radians
 
-  double box_depth;  // metres
+  double box_depth;       // metres
   double reference_time;  // seconds
   int external_exact;
   int air_coupling;
@@ -143,7 +143,7 @@ class TCOcean : public TCSurface_object {
   double cusp_factor;
   int sunbeam_on;
 
-  double current_time;  // seconds
+  double current_time;            // seconds
   float height_low, height_high;  // metres, the last range found
   double stored_sun[3];           // the direction the tables were made for
   int object_above[100];

@@ -492,7 +492,7 @@ TEST(DisturbedGrid, SlopesAgreeWithCentralDifferencesOfHeightsWhereSmooth) {
 }
 
 // The reference scene and its expected heights and slopes are written by
-// holder_reference.py beside this file, a numpy model of the combination
+// holder_model.py beside this file, a numpy model of the combination
 // rules made apart from this code.
 TEST(DisturbedGrid, HeightsAndSlopesAgreeWithTheNumpyModel) {
   std::ifstream in(TC_TEST_DATA_DIR "/disturbances/holder_points.txt");

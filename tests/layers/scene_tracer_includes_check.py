@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""The objects that trace rays through the scene reach it only through the
+"""The objects that trace rays through the scene (and the sea, and what rides it) reach it only through the
 tracer interface: none of their sources may include the object list's header,
 directly or through the project headers they include.
 Usage: scene_tracer_includes_check.py <src folder>"""
@@ -21,6 +21,12 @@ TRACING_OBJECTS = [
     "atmosphere/air_table.cpp",
     "imaging/TCCamera.h",
     "imaging/TCCamera.cpp",
+    "objects/TCSurface_object.h",
+    "objects/TCSurface_object.cpp",
+    "ocean/TCOcean.h",
+    "ocean/TCOcean.cpp",
+    "objects/TCBobbing_box.h",
+    "objects/TCBobbing_box.cpp",
 ]
 
 INCLUDE = re.compile(r'^\s*#\s*include\s*[<"]([^">]+)[">]')
