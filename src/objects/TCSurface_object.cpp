@@ -112,6 +112,11 @@ int TCSurface_object::march(double start, double end, double step, const TCVecto
     distance = 0.0;
     return 1;
   }
+  if (!(step > 0.0) || !(end - start < step * 4.0e9)) {
+    // No way forward, or more steps than can be counted.
+    distance = 0.0;
+    return 0;
+  }
   // A count of steps rather than a running sum, so that no step is lost to
   // rounding at the far end.
   double last_outside = start;
@@ -176,7 +181,8 @@ int TCSurface_object::distance_to_surface(const TCRay& ray, TCVector& hit, doubl
   if (exit > max_distance) exit = max_distance;
   const double n = std::trunc((exit - entry) / ray_step) + 1.0;
   const double step = (exit - entry) / n;
-  if (!(step >= 0.1 * ray_step)) {
+  // A lattice without a positive spacing cannot be marched at all.
+  if (!(ray_step > 0.0) || !(step >= 0.1 * ray_step)) {
     // Only a corner of the box lies along the ray.
     hit = ray.origin();
     return 0;
