@@ -24,6 +24,7 @@
 #include "TCWind_wave_spectrum.h"
 #include "Wake_details_input.h"
 #include "Wall_details_input.h"
+#include "object_contour.h"
 #include "ocean_input.h"
 
 namespace {
@@ -139,7 +140,9 @@ TCOcean::TCOcean(const ocean_input& input)
       height_high(0.0f),
       table_level(0),
       n_levels(0),
-      table_builds(0) {
+      table_builds(0),
+      reflected_contour(nullptr),
+      refracted_contour(nullptr) {
   wind_file[0] = '\0';
   std::memset(&primary, 0, sizeof(Field_entry));
   for (int i = 0; i < most_fields; i++) {
@@ -179,6 +182,8 @@ TCOcean::~TCOcean() {
   delete[] saturation_value;
   delete[] table_done[0];
   delete[] table_done[1];
+  delete reflected_contour;
+  delete refracted_contour;
   // The surface layer must not reach the lattice while it is taken down.
   lattice = nullptr;
   delete ocean_grid;
@@ -372,6 +377,20 @@ int TCOcean::construct(const ocean_input& input) {
   // 14. The clock and the sun the tables were made for.
   current_time = reference_time;
   stored_sun[0] = stored_sun[1] = stored_sun[2] = unbounded;
+  reflected_contour =
+      new (std::nothrow) object_contour(1, 1, object_spectrum, 0.0f, 0, nullptr, nullptr);
+  if (reflected_contour == nullptr) {
+    std::cout << "unable to allocate reflected contour in ocean constructor "
+              << "\n";
+    std::exit(1);
+  }
+  refracted_contour =
+      new (std::nothrow) object_contour(1, 1, object_spectrum, 0.0f, 0, nullptr, nullptr);
+  if (refracted_contour == nullptr) {
+    std::cout << "unable to allocate refracted contour in ocean constructor "
+              << "\n";
+    std::exit(1);
+  }
   if (verbose) print_parameters(std::cout);
   return 1;
 }

@@ -10,6 +10,7 @@ class TCDisturbed_grid;
 class TCGrid_details_input;
 class TCSurface_field;
 class TCWave_spectrum;
+class object_contour;
 class ocean_input;
 
 // The sea of a scene: a box-shaped surface object around one lattice of
@@ -151,6 +152,10 @@ class TCOcean : public TCSurface_object {
   int n_levels;
   short* table_done[2];  // per level, above and below
   int table_builds;      // how often the sky tables were asked for
+  // Kept for good for the mattes of what the water reflects and refracts;
+  // sized to each view when the surface is imaged.
+  object_contour* reflected_contour;
+  object_contour* refracted_contour;
 
  private:
   int take_glitter(const ocean_input& input);
