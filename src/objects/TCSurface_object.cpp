@@ -168,7 +168,7 @@ int TCSurface_object::distance_to_surface(const TCRay& ray, TCVector& hit, doubl
   distance = -1.0;
   double entry = 0.0;
   TCVector entry_point;
-  if (!box_class::intersect(ray, entry_point, entry) || !(entry < max_distance)) {
+  if (!box_intersect(ray, entry_point, entry) || !(entry < max_distance)) {
     hit = ray.origin();
     return 0;
   }

@@ -91,8 +91,12 @@ int box_class::point_inside(const TCVector& point) {
 }
 
 int box_class::intersect(const TCRay& ray, TCVector& hit, double& distance) {
+  return box_intersect(ray, hit, distance);
+}
+
+int box_class::box_intersect(const TCRay& ray, TCVector& hit, double& distance) {
   const TCVector origin = ray.origin();
-  if (point_inside(origin)) {
+  if (box_class::point_inside(origin)) {
     hit = origin;
     distance = 0.0;
     return 1;

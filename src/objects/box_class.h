@@ -38,6 +38,9 @@ class box_class : public TCObject {
   // earlier faces winning ties; 0 and distance -1.0 for a miss. A ray
   // starting inside gives 1, distance 0 and the origin.
   int intersect(const TCRay& ray, TCVector& hit, double& distance) override;
+  // The same, always about the block itself, whatever a kind makes of its
+  // inside.
+  int box_intersect(const TCRay& ray, TCVector& hit, double& distance);
 
   // Radiance leaving the surface along a world ray, into the bands of
   // spectrum (its ids say which). view is the pixel's own 1 by 1 view.
