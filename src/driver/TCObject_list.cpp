@@ -525,6 +525,13 @@ int TCObject_list::object_kind(int index) const {
   return objects[index]->get_type();
 }
 
+int TCObject_list::air_radiance(const TCRay& ray, TCSpectrum& out) {
+  const int air = find_air();
+  if (air < 0) return 0;
+  objects[air]->radiance(ray, out);
+  return 1;
+}
+
 int TCObject_list::object_position(int index, TCVector& out) const {
   if (index < 0 || index >= n_objects || index >= max_objects || objects[index] == nullptr)
     return 0;

@@ -150,6 +150,7 @@ class TCObject_list : public TCScene_tracer {
   const char* object_name(int index) const override;
   int object_kind(int index) const override;
   int object_position(int index, TCVector& out) const override;
+  int air_radiance(const TCRay& ray, TCSpectrum& out) override;
   int surface_height_under(int index, const TCVector& point, double& height,
                            double& own_height) const override;
   void radiance_from(int index, int source_object, const TCRay& ray, TCSpectrum& out) override;

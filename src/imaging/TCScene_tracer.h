@@ -49,6 +49,10 @@ class TCScene_tracer {
   // none has it.
   virtual int find_by_name(const char* name, int& index) const = 0;
 
+  // The sky along a world ray from the scene's air into the bands of out (its
+  // ids say which): 1, or 0 with out untouched when the scene has no air.
+  virtual int air_radiance(const TCRay& ray, TCSpectrum& out) = 0;
+
   // The nearest object a ray hits: its index + 1 (hit is then the hit
   // point), 0 when nothing is hit, -(index + 1) when the ray starts inside
   // it (hit is the origin). Either all objects but skip_index, or those

@@ -142,7 +142,33 @@ TCOcean::TCOcean(const ocean_input& input)
       n_levels(0),
       table_builds(0),
       reflected_contour(nullptr),
-      refracted_contour(nullptr) {
+      refracted_contour(nullptr),
+      fresnel_table(nullptr),
+      irradiance_above(nullptr),
+      irradiance_saved(nullptr),
+      upwelling(nullptr),
+      t_first(0.0),
+      t_last(0.0),
+      t_step(0.0),
+      t_inverse(0.0),
+      s_first(0.0),
+      s_last(0.0),
+      s_step(0.0),
+      s_inverse(0.0),
+      interior_mode(input.render_disturbances_interior),
+      exclude_mask(input.exclude_mask),
+      reflection_level(0),
+      work_reflectance(nullptr),
+      work_glitter(nullptr),
+      work_table(nullptr),
+      work_matte(nullptr),
+      glitter_done(nullptr) {
+  for (int side = 0; side < 2; side++) {
+    radiance_table[side] = nullptr;
+    reflection_table[side] = nullptr;
+    m_first[side] = m_last[side] = m_step[side] = m_inverse[side] = 0.0;
+  }
+  for (int i = 0; i < normal_points; i++) normal_table[i] = 0.0f;
   wind_file[0] = '\0';
   std::memset(&primary, 0, sizeof(Field_entry));
   for (int i = 0; i < most_fields; i++) {
@@ -182,6 +208,19 @@ TCOcean::~TCOcean() {
   delete[] saturation_value;
   delete[] table_done[0];
   delete[] table_done[1];
+  for (int side = 0; side < 2; side++) {
+    delete[] radiance_table[side];
+    delete[] reflection_table[side];
+  }
+  delete[] fresnel_table;
+  delete[] irradiance_above;
+  delete[] irradiance_saved;
+  delete[] upwelling;
+  delete[] work_reflectance;
+  delete[] work_glitter;
+  delete[] work_table;
+  delete[] work_matte;
+  delete[] glitter_done;
   delete reflected_contour;
   delete refracted_contour;
   // The surface layer must not reach the lattice while it is taken down.
@@ -368,7 +407,7 @@ int TCOcean::construct(const ocean_input& input) {
 
   // 13. Table storage.
   allocate_surface_arrays();
-  if (!allocate_tables()) {
+  if (!allocate_tables() || !allocate_light()) {
     std::cout << "unable to allocate ocean radiance tables "
               << "\n";
     return 0;
@@ -786,8 +825,9 @@ void TCOcean::update_scene() {
     stored_sun[0] = sun_direction.x;
     stored_sun[1] = sun_direction.y;
     stored_sun[2] = sun_direction.z;
-    // The band and sky tables are rebuilt here once the sky's light on the
-    // water is computed; the levels made for the old sun are stale.
+    // The sky's light on the water for this sun; the levels made for the
+    // old one are stale.
+    update_light();
     table_builds++;
     if (external_exact) {
       for (int side = 0; side < 2; side++) {

@@ -74,6 +74,52 @@ class TCOcean : public TCSurface_object {
   void surface_slope(double x, double y, double& dzdx, double& dzdy);
   // A byte per pixel, 1 under a boat's hull; zero without a boat or wake.
   void hull_mask(unsigned char* buffer, int n_cols, int n_rows);
+  // The light of the water (TCOcean_radiance.cpp). Sides are 1 from above
+  // and -1 from below; tables index them 0 and 1.
+
+  // Radiance leaving the surface at point (box frame) with unit normal
+  // along a world ray from the camera: sky and water by the tables, the
+  // sun's glint in closed form. matte_values, when not null, hold one
+  // object's matte planes (per-band codes at n_bands * code + band).
+  void surface_radiance(const TCRay& ray, const TCVector& point, const TCVector& normal,
+                        TCSpectrum& spectrum, int side, float* matte_values,
+                        double footprint) override;
+  void set_footprint(double scale) override;
+  void set_reflection_footprint(double scale) override;
+  // Reflectance of unpolarised light arriving at angle (radians, pi minus
+  // the angle of incidence from the side the index is given for) on a
+  // boundary of relative index n.
+  static double fresnel_reflectance(double angle, double n);
+  // Per band, by the cosine table: linear, clamped.
+  void fresnel(double c, double* out) const;
+  // The sky table at zenith cosine z and azimuth phi: bilinear, z clamped,
+  // phi wrapped; and its mean over azimuth, linear in z.
+  void external_radiance_at(double z, double phi, double* out) const;
+  void external_radiance_mean_at(double z, double* out) const;
+  // Level of a footprint of r lattice cells.
+  int level_for(double r) const;
+  // Range of a facet's cosine with the view for view cosine m and squared
+  // resolved slope s, from side.
+  static void facet_limits(double m, double s, int side, double& lo, double& hi);
+  // The average over unresolved slopes of what a facet of cosine c with the
+  // view returns (band, side); reflection: the averaged reflectance.
+  double facet_radiance(int band, double c, double s, double m, int side, int reflection) const;
+  double local_radiance(int band, double k, double S, double m, int side) const;
+  // Fills the current level's table of a side when it was not made yet.
+  void make_tables(int side);
+  // Trilinear in the current level's table of a side.
+  void radiance_lookup(double c, double m, double s, double* out, int side) const;
+  void reflection_lookup(double c, double m, double s, double* out, int side) const;
+  // The sun's glint per unit irradiance, per band, for a resolved facet of
+  // slopes px, py seen along the world ray direction ray.
+  void glitter_intensity(double px, double py, const TCVector& ray, double* out, int side);
+  // The view-weighted slope density's normaliser along the view (an
+  // unnormalised Gaussian of width sigma around pu, weighted by 1 + T p
+  // over the visible slopes).
+  double glitter_normaliser(double T, double pu, double sigma) const;
+  // Sky table, water terms and the empty levels, for a new sun or sky.
+  void update_light();
+
   // The sea's parameters on the log.
   void print_parameters(std::ostream& out) const;
   // The per-scene update: the sky tables when the sun moved (or under an
@@ -157,10 +203,42 @@ class TCOcean : public TCSurface_object {
   object_contour* reflected_contour;
   object_contour* refracted_contour;
 
+  // Light tables.
+  static const int t_points = 16;
+  static const int s_points = 15;
+  static const int m_points_above = 9;
+  static const int m_points_below = 36;
+  static const int normal_points = 801;
+  double* fresnel_table;     // [band][fresnel_axis_n]
+  double* irradiance_above;  // per band
+  double* irradiance_saved;
+  double* upwelling;
+  float* radiance_table[2];    // [level][band][t][s][m], per side
+  float* reflection_table[2];  // the same, when kept
+  double t_first, t_last, t_step, t_inverse;
+  double s_first, s_last, s_step, s_inverse;
+  double m_first[2], m_last[2], m_step[2], m_inverse[2];
+  float normal_table[normal_points];  // standard normal CDF at -4 + i / 100
+  int interior_mode;                  // 0 black, 1 flat, 2 natural
+  int exclude_mask;                   // 1 glitter, 2 textures, 4 whitecaps
+  int reflection_level;
+  // Per band scratch of a pixel's light: none of it outlives the pixel.
+  double* work_reflectance;
+  double* work_glitter;
+  double* work_table;
+  double* work_matte;
+  int* glitter_done;
+
  private:
   int take_glitter(const ocean_input& input);
   int take_bands(const ocean_input& input);
   int allocate_tables();
+  int allocate_light();
+  void set_s_axis();
+  long table_cells(int side) const;
+  float* level_table(float* const* tables, int side, int level) const;
+  void lookup(const float* table, double c, double m, double s, double* out, int side) const;
+  double sharpening_at(double view_zenith) const;
   // Whitecap grids needed to reach max_distance from the finest.
   int whitecap_grid_count() const;
   int take_grid(const TCGrid_details_input& grid, int code, Field_entry& entry);

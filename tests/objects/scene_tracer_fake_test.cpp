@@ -62,6 +62,7 @@ class Fake_tracer : public TCScene_tracer {
   const char* object_name(int) const override { return nullptr; }
   int object_kind(int) const override { return -1; }
   int object_position(int, TCVector&) const override { return 0; }
+  int air_radiance(const TCRay&, TCSpectrum&) override { return 0; }
   int surface_height_under(int, const TCVector&, double&, double&) const override { return 0; }
   int find_by_name(const char*, int& index) const override {
     index = -1;
