@@ -341,13 +341,13 @@ def self_check():
         assert lo == hi
         assert sea.cell(0, 0, mi) == sea.cell(15, 0, mi)
     # The loop and the whole-grid evaluations agree.
-    for spec in CASES:
-        side, n, up, g, sr, kind, seed = spec
+    for params in CASES:
+        side, n, up, g, sr, kind, seed = params
         sea = Sea(side, n, up, g, sr, sky_nodes(kind))
         for cell in sample_cells(sea, seed)[::7]:
             a = sea.cell(*cell)
             b = sea.cell_vectorised(*cell)
-            assert abs(a[0] - b[0]) < 1e-12 and abs(a[1] - b[1]) < 1e-12, (spec, cell, a, b)
+            assert abs(a[0] - b[0]) < 1e-12 and abs(a[1] - b[1]) < 1e-12, (params, cell, a, b)
 
 
 def main():
@@ -368,8 +368,8 @@ def main():
         "# The reflectance table nodes are the Fresnel reflectance of index n",
         "# (c <= 0) or 1/n (c > 0) at cosines c = -1 + 0.01 i.",
     ]
-    for spec in CASES:
-        side, n, up, g, sr, kind, seed = spec
+    for params in CASES:
+        side, n, up, g, sr, kind, seed = params
         sky = sky_nodes(kind)
         sea = Sea(side, n, up, g, sr, sky)
         cells = sample_cells(sea, seed)
