@@ -1,0 +1,329 @@
+// The light of the water: the Fresnel table against the textbook equations,
+// the radiance and reflection tables against an independent numpy model of
+// their averaging over unresolved slopes, the table lookups and levels, and
+// the guards of the glint.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "TCOcean.h"
+#include "TCVector.h"
+#include "TCWave_spectrum.h"
+#include "ocean_input.h"
+#include "ocean_test_records.h"
+#include "scratch_folder.h"
+#include "stream_capture.h"
+
+namespace {
+
+// A windless sea of one lattice with the given bands; coupling "yes" with
+// averaged reflection keeps the reflection tables.
+std::string light_ocean(const std::string& indices, int bands, const std::string& glitter_lines) {
+  std::ostringstream ids, optics;
+  for (int b = 0; b < bands; b++) ids << " " << b + 1;
+  std::string five[5] = {"a:", "b:", "c:", "k:", "refl:"};
+  for (int r = 0; r < 5; r++) {
+    optics << five[r];
+    for (int b = 0; b < bands; b++) optics << " 0.05";
+    optics << "\n";
+  }
+  return "Tidecast_data_file ocean 5 5\n"
+         "n_points_x 16 1\nn_points_y 16 1\ndx 2\ndy 2\n"
+         "spectrum_file: light.spectrum\ngenerate_file:  yes\nrandom_seed 5\nend\n"
+         "number_aux_oceans  0\nnumber_disturbances  0\n"
+         "box_depth  20\nreference_time  0\nsurface_type:  flat\nmax_distance  1000\n"
+         "doubling_distance  100\nvariable_wind:  no\nwind_direction:  0\nwind_velocity:  6\n"
+         "ocean_spectrum_type:  phillips_smoothed\njerlov_water_type:  0\n"
+         "external_exact:  yes\nmax_exact_distance:  400\nexact_sharpening_factor:  1\n"
+         "include:  above\nreflection_method:  averaged\nshadow_method:  no\n" +
+         glitter_lines +
+         "whitecaps: no\ntexture_maps:  no\nsunbeams:  no\nexclude_items:   no\n"
+         "number_of_bands:  " +
+         std::to_string(bands) + "\nband_ids: " + ids.str() + "\nindex_of_refraction: " + indices +
+         "\n" + optics.str() + "end\n";
+}
+
+class LightSea {
+ public:
+  LightSea(const std::string& text) {
+    put_file(folder.file("sea.ocean"), text);
+    Working_folder here(folder.file(""));
+    Stream_capture quiet(std::cout);
+    read = input.read_file("sea.ocean");
+    if (read) {
+      ocean = new TCOcean(input);
+      built = ocean->construct(input);
+    }
+    printed = quiet.text();
+  }
+  ~LightSea() { delete ocean; }
+  Scratch_folder folder;
+  ocean_input input;
+  TCOcean* ocean = nullptr;
+  int read = 0;
+  int built = 0;
+  std::string printed;
+};
+
+TEST(OceanLight, FresnelTableMatchesTheTextbookAtEveryNodeFromBothSides) {
+  LightSea sea(light_ocean("1.34 1.5", 2, "glitter:  yes\n"));
+  ASSERT_EQ(sea.built, 1) << sea.printed;
+  std::ifstream in(TC_TEST_DATA_DIR "/ocean/fresnel_nodes.txt");
+  ASSERT_TRUE(in.good());
+  std::string line;
+  int compared = 0;
+  while (std::getline(in, line)) {
+    if (line.empty() || line[0] == '#') continue;
+    std::istringstream fields(line);
+    double n = 0.0, c = 0.0, r = 0.0;
+    int i = 0;
+    fields >> n >> i >> c >> r;
+    const int band = n < 1.4 ? 0 : 1;
+    ASSERT_EQ(sea.ocean->fresnel_axis_n, 201);
+    // The index is kept in single precision (1.34 within 3e-8), which moves
+    // the steep values near the critical angle by up to about 1e-6.
+    EXPECT_NEAR(sea.ocean->fresnel_table[band * 201 + i], r, 2e-6) << "n " << n << " c " << c;
+    compared++;
+  }
+  EXPECT_EQ(compared, 402);
+}
+
+TEST(OceanLight, NormalIncidenceReflectanceOfWater) {
+  const double expected = (0.34 / 2.34) * (0.34 / 2.34);
+  EXPECT_NEAR(TCOcean::fresnel_reflectance(3.1415926535, 1.34), expected, 1e-15);
+  EXPECT_NEAR(TCOcean::fresnel_reflectance(0.0, 1.0 / 1.34), expected, 1e-15);
+  // Beyond the critical angle the light stays in the water.
+  EXPECT_EQ(TCOcean::fresnel_reflectance(1.2, 1.0 / 1.34), 1.0);
+}
+
+TEST(OceanLight, FresnelLookupIsLinearAndClampedAtBothEnds) {
+  LightSea sea(light_ocean("1.34", 1, "glitter:  yes\n"));
+  ASSERT_EQ(sea.built, 1) << sea.printed;
+  const double* table = sea.ocean->fresnel_table;
+  double out[1];
+  sea.ocean->fresnel(-1.5, out);
+  EXPECT_DOUBLE_EQ(out[0], table[0]);
+  sea.ocean->fresnel(2.0, out);
+  EXPECT_DOUBLE_EQ(out[0], table[200]);
+  sea.ocean->fresnel(-0.955, out);  // half way between nodes 4 and 5
+  EXPECT_NEAR(out[0], 0.5 * (table[4] + table[5]), 1e-12);
+}
+
+// One case of the fixture: the tables filled from its sky and widths.
+struct Table_case {
+  int side;
+  double n, upwelling, g, resolved;
+  std::vector<double> sky;
+  struct Cell {
+    int t, s, m;
+    double radiance, reflection;
+  };
+  std::vector<Cell> cells;
+};
+
+std::vector<Table_case> read_table_cases() {
+  std::vector<Table_case> cases;
+  std::ifstream in(TC_TEST_DATA_DIR "/ocean/facet_table_cells.txt");
+  std::string word;
+  while (in >> word) {
+    if (word[0] == '#') {
+      std::string rest;
+      std::getline(in, rest);
+      continue;
+    }
+    if (word != "case") break;
+    Table_case c;
+    in >> c.side >> c.n >> c.upwelling >> c.g >> c.resolved >> word;
+    c.sky.resize(201);
+    for (double& v : c.sky) in >> v;
+    int count = 0;
+    in >> word >> count;
+    for (int k = 0; k < count; k++) {
+      Table_case::Cell cell;
+      in >> cell.t >> cell.s >> cell.m >> cell.radiance >> cell.reflection;
+      c.cells.push_back(cell);
+    }
+    cases.push_back(c);
+  }
+  return cases;
+}
+
+TEST(OceanLight, TableCellsMatchTheNumpyModelOnBothSidesAndLevels) {
+  const std::vector<Table_case> cases = read_table_cases();
+  ASSERT_EQ(cases.size(), 6u);
+  int checked = 0;
+  for (const Table_case& c : cases) {
+    std::ostringstream index;
+    index.precision(17);
+    index << c.n;
+    LightSea sea(light_ocean(index.str(), 1, "glitter:  yes\n"));
+    ASSERT_EQ(sea.built, 1) << sea.printed;
+    TCOcean& ocean = *sea.ocean;
+    ASSERT_EQ(ocean.keep_reflection_table, 1);
+    ocean.ocean_field->slope_resolved = c.resolved;
+    {
+      Stream_capture quiet(std::cout);
+      ocean.update_light();
+    }
+    for (int i = 0; i < 201; i++) ocean.external_radiance_mean[i] = c.sky[i];
+    ocean.upwelling[0] = c.upwelling;
+    ocean.ocean_field->slope_unresolved = c.g;
+    ocean.table_level = 1;
+    std::string told;
+    {
+      Stream_capture out(std::cout);
+      ocean.make_tables(c.side);
+      told = out.text();
+    }
+    EXPECT_EQ(told, "Calculating Radiance Table 1\nCalculating Reflection Table \n");
+    const int which = c.side == 1 ? 0 : 1;
+    const int m_count = which == 0 ? 9 : 36;
+    const long level_cells = 16L * 15 * m_count;
+    const float* radiance = ocean.radiance_table[which] + level_cells;
+    const float* reflection = ocean.reflection_table[which] + level_cells;
+    for (const Table_case::Cell& cell : c.cells) {
+      const long at = (static_cast<long>(cell.t) * 15 + cell.s) * m_count + cell.m;
+      EXPECT_NEAR(radiance[at], cell.radiance, 2e-6 + 2e-6 * std::fabs(cell.radiance))
+          << "side " << c.side << " g " << c.g << " cell " << cell.t << " " << cell.s << " "
+          << cell.m;
+      EXPECT_NEAR(reflection[at], cell.reflection, 2e-6 + 2e-6 * std::fabs(cell.reflection))
+          << "side " << c.side << " g " << c.g << " cell " << cell.t << " " << cell.s << " "
+          << cell.m;
+      checked++;
+    }
+  }
+  EXPECT_EQ(checked, 240);
+}
+
+TEST(OceanLight, TablesAreMadeOncePerLevelAndSide) {
+  LightSea sea(light_ocean("1.34", 1, "glitter:  yes\n"));
+  ASSERT_EQ(sea.built, 1) << sea.printed;
+  sea.ocean->table_level = 0;
+  Stream_capture out(std::cout);
+  sea.ocean->make_tables(1);
+  sea.ocean->make_tables(1);
+  sea.ocean->make_tables(-1);
+  EXPECT_EQ(out.text(),
+            "Calculating Radiance Table 0\nCalculating Reflection Table \n"
+            "Calculating Radiance Table 0\nCalculating Reflection Table \n");
+  EXPECT_EQ(sea.ocean->table_done[0][0], 1);
+  EXPECT_EQ(sea.ocean->table_done[1][0], 1);
+}
+
+TEST(OceanLight, FlatResolvedFacetLooksUpAtTheTenthOfTheCosineAxis) {
+  LightSea sea(light_ocean("1.34", 1, "glitter:  yes\n"));
+  ASSERT_EQ(sea.built, 1) << sea.printed;
+  TCOcean& ocean = *sea.ocean;
+  ocean.table_level = 0;
+  {
+    Stream_capture quiet(std::cout);
+    ocean.make_tables(1);
+  }
+  // s = 0: lo equals hi, so t is 0.1, the first node; m on its third node.
+  const double m = 0.005 + 2 * (0.99 / 8);
+  double out[1];
+  ocean.radiance_lookup(0.3, m, 0.0, out, 1);
+  const float* table = ocean.radiance_table[0];
+  EXPECT_NEAR(out[0], table[(0 * 15 + 0) * 9 + 2], 1e-7);
+  // Outside every axis the nearest corner stands.
+  ocean.radiance_lookup(5.0, 2.0, 1e9, out, 1);
+  EXPECT_NEAR(out[0], table[(15 * 15 + 14) * 9 + 8], 1e-7);
+}
+
+TEST(OceanLight, FootprintLevels) {
+  LightSea sea(light_ocean("1.34", 1, "glitter:  yes\n"));
+  ASSERT_EQ(sea.built, 1) << sea.printed;
+  TCOcean& ocean = *sea.ocean;
+  ASSERT_GE(ocean.n_levels, 3);
+  EXPECT_EQ(ocean.level_for(0.0), 0);
+  EXPECT_EQ(ocean.level_for(-2.0), 0);
+  EXPECT_EQ(ocean.level_for(1.0), 1);
+  EXPECT_EQ(ocean.level_for(1.9), 1);
+  EXPECT_EQ(ocean.level_for(2.0), 2);
+  EXPECT_EQ(ocean.level_for(3.0), 2);
+  EXPECT_EQ(ocean.level_for(1e9), 0);  // beyond the last level
+}
+
+TEST(OceanLight, NoGlintWithTheSunBelowTheHorizon) {
+  LightSea sea(light_ocean("1.34", 1, "glitter:  yes\n"));
+  ASSERT_EQ(sea.built, 1) << sea.printed;
+  TCOcean& ocean = *sea.ocean;
+  ocean.sun_direction_local = TCVector(0.6, 0.0, -0.8);
+  double out[1] = {7.0};
+  for (int k = 0; k < 20; k++) {
+    const double a = 0.3 * k;
+    const TCVector ray(0.5 * std::cos(a), 0.5 * std::sin(a), -std::sqrt(0.75));
+    ocean.glitter_intensity(0.01 * k, -0.02 * k, ray, out, 1);
+    EXPECT_EQ(out[0], 0.0);
+    ocean.glitter_intensity(0.01 * k, -0.02 * k, ray, out, -1);
+    EXPECT_EQ(out[0], 0.0);
+  }
+}
+
+TEST(OceanLight, PlainGlitterHasNoThreshold) {
+  LightSea sea(light_ocean("1.34", 1, "glitter:  yes\n"));
+  ASSERT_EQ(sea.built, 1) << sea.printed;
+  EXPECT_EQ(sea.ocean->glitter_threshold, 0.0);
+}
+
+TEST(OceanLight, LevelViewGivesFiniteGlint) {
+  LightSea sea(light_ocean("1.34", 1, "glitter:  yes\n"));
+  ASSERT_EQ(sea.built, 1) << sea.printed;
+  TCOcean& ocean = *sea.ocean;
+  ocean.sun_direction_local = TCVector(-0.5, 0.0, std::sqrt(0.75));
+  double out[1] = {0.0};
+  // mv = 0: every guarded constant is in play.
+  ocean.glitter_intensity(0.0, 0.0, TCVector(1.0, 0.0, 0.0), out, 1);
+  EXPECT_TRUE(std::isfinite(out[0]));
+  EXPECT_GE(out[0], 0.0);
+  ocean.glitter_intensity(0.1, 0.05, TCVector(0.0, 1.0, 0.0), out, -1);
+  EXPECT_TRUE(std::isfinite(out[0]));
+  ocean.glitter_intensity(0.0, 0.0, TCVector(0.0, 0.0, -1.0), out, 1);
+  EXPECT_TRUE(std::isfinite(out[0]));
+}
+
+TEST(OceanLight, SaturationBandUnderThresholdScalesEveryBand) {
+  const std::string glitter =
+      "glitter:  enhanced\nsharpening_type:   no\nsharpening_factor:  1\n"
+      "glitter_threshold:  0\nsaturation_type:   yes\n";
+  std::string text = light_ocean("1.34 1.34", 2, glitter);
+  text = replaced(text, "refl: 0.05 0.05\n",
+                  "refl: 0.05 0.05\nsaturation_band:  1\nsaturation_threshold:  1e30\n"
+                  "sub_saturation_scale:  0.5 0.25\nsaturation_values:  100 200\n");
+  LightSea sea(text);
+  ASSERT_EQ(sea.built, 1) << sea.printed;
+  TCOcean& ocean = *sea.ocean;
+  ASSERT_EQ(ocean.saturated, 1);
+  ocean.sun_direction_local = TCVector(0.0, 0.0, 1.0);
+  ocean.sun_irradiance[0] = ocean.sun_irradiance[1] = 1000.0f;
+  ocean.table_level = 0;
+  // Looking straight down on a flat facet under a high sun: a bright glint.
+  double plain[2];
+  ocean.glitter_intensity(0.0, 0.0, TCVector(0.0, 0.0, -1.0), plain, 1);
+  ASSERT_GT(plain[0], 0.0);
+  TCSpectrum spectrum(2);
+  std::vector<float> mattes(2 * 40, 0.0f);
+  {
+    Stream_capture quiet(std::cout);
+    ocean.surface_radiance(TCRay(TCVector(0, 0, 10), TCVector(0, 0, -1)), TCVector(0, 0, 0),
+                           TCVector(0, 0, 1), spectrum, 1, mattes.data(), 1.0);
+  }
+  EXPECT_NEAR(mattes[2 * 12 + 0], plain[0] * 1000.0 * 0.5,
+              1e-6 * plain[0] * 1000.0);  // mattes are floats
+  EXPECT_NEAR(mattes[2 * 12 + 1], plain[1] * 1000.0 * 0.25, 1e-6 * plain[1] * 1000.0);
+  // Over the threshold the fixed colour.
+  ocean.saturation_threshold = 0.0;
+  {
+    Stream_capture quiet(std::cout);
+    ocean.surface_radiance(TCRay(TCVector(0, 0, 10), TCVector(0, 0, -1)), TCVector(0, 0, 0),
+                           TCVector(0, 0, 1), spectrum, 1, mattes.data(), 1.0);
+  }
+  EXPECT_EQ(mattes[2 * 12 + 0], 100.0f);
+  EXPECT_EQ(mattes[2 * 12 + 1], 200.0f);
+}
+
+}  // namespace
