@@ -145,8 +145,8 @@ void TCSurface_object::bisect(double a, double b, double, const TCVector& origin
   distance = 0.5 * (outside_end + water_end);
 }
 
-void TCSurface_object::surface_radiance(const TCRay&, const TCVector&, const TCVector&,
-                                        TCSpectrum&, int, float*, double) {}
+void TCSurface_object::surface_radiance(const TCRay&, const TCVector&, const TCVector&, TCSpectrum&,
+                                        int, float*, double) {}
 
 void TCSurface_object::set_footprint(double) {}
 
@@ -187,10 +187,16 @@ int TCSurface_object::distance_to_surface(const TCRay& ray, TCVector& hit, doubl
     hit = origin;
     return 0;
   }
-  distance = found;
   // A ray that is in the water where it enters the box meets the water at
-  // the entry point.
-  hit = found == 0.0 ? entry_point : origin + direction * found;
+  // the entry point, and the distance goes with that hit: 0 for a ray that
+  // starts in the box.
+  if (found == 0.0) {
+    distance = entry;
+    hit = entry_point;
+  } else {
+    distance = found;
+    hit = origin + direction * found;
+  }
   return 1;
 }
 
@@ -249,12 +255,18 @@ double TCSurface_object::curvature_angle(const TCRay& ray, double azimuth) const
 
 int TCSurface_object::write_height_grid(const char* definition_file, const char* suffix) {
   if (lattice == nullptr) return 0;
-  return lattice->write_height_grid(definition_file, get_name(), suffix);
+  // Heights over the object's z = 0, as point_height gives them, not in the
+  // box frame, which moves with every frame's wave range.
+  const double box_offset = lattice->z_offset;
+  lattice->z_offset = 0.0;
+  const int written = lattice->write_height_grid(definition_file, get_name(), suffix);
+  lattice->z_offset = box_offset;
+  return written;
 }
 
 int TCSurface_object::radiance_texture_surface(TCTexture_plane& texture, int n_points,
-                                               const double* xs, const double* ys,
-                                               double footprint, int side, double* out) {
+                                               const double* xs, const double* ys, double footprint,
+                                               int side, double* out) {
   if (n_points > most_texture_points) {
     std::cout << "Error in radiance_texture_surface: too many points: " << n_points << "\n";
     return 0;

@@ -92,7 +92,9 @@ int box_class::point_inside(const TCVector& point) {
 
 int box_class::intersect(const TCRay& ray, TCVector& hit, double& distance) {
   const TCVector origin = ray.origin();
-  if (point_inside(origin)) {
+  // The box's own test: a kind whose inside is not the whole box (the sea
+  // is only its water) still enters the box where the ray starts.
+  if (box_class::point_inside(origin)) {
     hit = origin;
     distance = 0.0;
     return 1;
