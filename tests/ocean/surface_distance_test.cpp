@@ -147,6 +147,16 @@ void check_ray(TCSurface_object& surface, const TCVector& o, const TCVector& d,
   TCVector hit;
   double distance = 0.0;
   const int found = surface.distance_to_surface(ray, hit, distance);
+  // The same ray in the object frame finds the same.
+  TCVector object_hit;
+  double object_distance = 0.0;
+  const int object_found =
+      surface.intersect(TCRay(o + surface.box_centre, d), object_hit, object_distance);
+  EXPECT_EQ(object_found > 0, found > 0);
+  if (found) {
+    EXPECT_NEAR(object_distance, distance, 1e-9);
+    EXPECT_NEAR(object_hit.z, hit.z + surface.box_centre.z, 1e-9);
+  }
   double entry = 0.0, exit = 0.0;
   if (!box_span(o, d, entry, exit)) {
     EXPECT_EQ(found, 0);
@@ -280,6 +290,25 @@ TEST(SurfaceDistance, RayClippingACornerOfTheBoxInTheWaterIsNoHit) {
   EXPECT_NEAR(distance, 0.5 * std::sqrt(2.0), 1e-9);
   EXPECT_NEAR(hit.x, 95.8, 1e-9);
   EXPECT_NEAR(hit.z, 2.2, 1e-9);
+}
+
+TEST(SurfaceDistance, RoundSurfaceIsMetBelowTheFlatLevelByItsDrop) {
+  TCGrid lattice(8, 8, 1.0, 1.0);
+  lattice.periodic_x = 1;
+  lattice.periodic_y = 1;
+  fill_flat(lattice, 0.0f);
+  lattice.round_flag = 1;
+  lattice.radius = 1000.0;
+  // 10 m deep, 1 m high: box z from -5.5 to 5.5, the mean level at 4.5.
+  std::unique_ptr<TCSurface_object> surface = new_surface(&lattice, 400.0, 400.0, 10.0, 1.0, 0.9);
+  // 100 m out the sphere has dropped 100^2 / 2000 = 5 m: box z -0.5. Straight
+  // down from box z 5: 5.5 m, in 12 steps of 10.5 / 12.
+  const TCRay ray(TCVector(60.0, 80.0, 5.0), TCVector(0.0, 0.0, -1.0));
+  TCVector hit;
+  double distance = 0.0;
+  ASSERT_EQ(surface->distance_to_surface(ray, hit, distance), 1);
+  EXPECT_NEAR(distance, 5.5, 10.5 / 12 / 64);
+  EXPECT_NEAR(hit.z, -0.5, 10.5 / 12 / 64);
 }
 
 TEST(SurfaceDistance, MarchWithoutRefiningGivesTheLastPointOutOfTheWater) {
