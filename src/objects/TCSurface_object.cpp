@@ -195,10 +195,16 @@ int TCSurface_object::distance_to_surface(const TCRay& ray, TCVector& hit, doubl
     hit = origin;
     return 0;
   }
-  distance = found;
   // A ray that is in the water where it enters the box meets the water at
-  // the entry point.
-  hit = found == 0.0 ? entry_point : origin + direction * found;
+  // the entry point, and counts as beginning in the water: distance 0, even
+  // when it entered the box through a face that lies under the surface.
+  if (found == 0.0) {
+    distance = 0.0;
+    hit = entry_point;
+  } else {
+    distance = found;
+    hit = origin + direction * found;
+  }
   return 1;
 }
 
@@ -257,7 +263,13 @@ double TCSurface_object::curvature_angle(const TCRay& ray, double azimuth) const
 
 int TCSurface_object::write_height_grid(const char* definition_file, const char* suffix) {
   if (lattice == nullptr) return 0;
-  return lattice->write_height_grid(definition_file, get_name(), suffix);
+  // Heights over the object's z = 0, as point_height gives them, not in the
+  // box frame, which moves with every frame's wave range.
+  const double box_offset = lattice->z_offset;
+  lattice->z_offset = 0.0;
+  const int written = lattice->write_height_grid(definition_file, get_name(), suffix);
+  lattice->z_offset = box_offset;
+  return written;
 }
 
 int TCSurface_object::radiance_texture_surface(TCTexture_plane& texture, int n_points,

@@ -68,7 +68,8 @@ class TCSurface_object : public box_class {
   int inside(const TCVector& point) const;
   // The ray (box frame, unit direction) to the surface: 1 with the hit and
   // its distance along the ray, else 0. distance is -1.0 until found, and 0
-  // for a miss.
+  // for a miss. A ray in the water where it enters the box is hit there: at
+  // its origin, distance 0, when it starts in the box.
   int distance_to_surface(const TCRay& ray, TCVector& hit, double& distance);
   // band_radiance and the external tables, after set_table_axes. Without a
   // band spectrum: two lines and exit 1.
@@ -81,7 +82,8 @@ class TCSurface_object : public box_class {
   // Round surface: the angle below the horizontal at which a line of sight
   // from the ray's origin meets the sphere along azimuth (radians); 0 flat.
   double curvature_angle(const TCRay& ray, double azimuth) const;
-  // The surface sampled on a definition file's rectangle, written as
+  // The surface sampled on a definition file's rectangle (box x, y), its
+  // heights over the object frame's z = 0, written as
   // "<name>_grid.<suffix>.img". Failures exit 1.
   int write_height_grid(const char* definition_file, const char* suffix);
   // Radiance of a texture over a polygon's vertices (metres in the texture's

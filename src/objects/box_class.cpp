@@ -96,6 +96,8 @@ int box_class::intersect(const TCRay& ray, TCVector& hit, double& distance) {
 
 int box_class::box_intersect(const TCRay& ray, TCVector& hit, double& distance) {
   const TCVector origin = ray.origin();
+  // The box's own test: a kind whose inside is not the whole box (the sea
+  // is only its water) still enters the box where the ray starts.
   if (box_class::point_inside(origin)) {
     hit = origin;
     distance = 0.0;

@@ -36,7 +36,8 @@ class box_class : public TCObject {
   // Object frame, unit direction. The nearest face hit at t >= 1e-05 and
   // within 1.00001 of the half lengths: 1 to 6 for +x, -x, +y, -y, +z, -z,
   // earlier faces winning ties; 0 and distance -1.0 for a miss. A ray
-  // starting inside gives 1, distance 0 and the origin.
+  // starting inside the box (by this class's point_inside, whatever a kind
+  // makes of it) gives 1, distance 0 and the origin.
   int intersect(const TCRay& ray, TCVector& hit, double& distance) override;
   // The same, always about the block itself, whatever a kind makes of its
   // inside.
