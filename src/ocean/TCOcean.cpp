@@ -7,6 +7,7 @@
 #include <cstring>
 #include <new>
 
+#include "Boat_details_input.h"
 #include "Height_grid_details_input.h"
 #include "Ripple_details_input.h"
 #include "Swell_details_input.h"
@@ -21,7 +22,6 @@
 #include "TCWave_spectrum.h"
 #include "TCWind_wave_spectrum.h"
 #include "Wake_details_input.h"
-#include "Boat_details_input.h"
 #include "Wall_details_input.h"
 #include "ocean_input.h"
 
@@ -313,8 +313,8 @@ int TCOcean::construct(const ocean_input& input) {
   // 7. Coupling with the rest of the scene.
   external_exact = input.external_exact != 0 ? 1 : 0;
   air_coupling = input.external_exact == 3 ? 0 : 1;
-  max_exact_distance_sq = external_exact ? input.max_exact_distance * input.max_exact_distance
-                                         : 9999999800000000.0;
+  max_exact_distance_sq =
+      external_exact ? input.max_exact_distance * input.max_exact_distance : 9999999800000000.0;
   shadow_distance_sq = input.shadow_distance * input.shadow_distance;
   sharpening = input.exact_sharpening_factor;
   include = input.include;
@@ -476,19 +476,18 @@ int TCOcean::build_lattice() {
     dys[i] = field_info[i].dy;
   }
   if (has_disturbances) {
-    holder = both_periodic ? new (std::nothrow) TCDisturbed_grid(primary.n_x, primary.n_y,
-                                                                 last_index, doubling_size, count,
-                                                                 nx, ny, dxs, dys, nullptr,
-                                                                 primary.dx, primary.dy)
-                           : new (std::nothrow) TCDisturbed_grid(primary.n_x, primary.n_y, count,
-                                                                 nx, ny, dxs, dys, nullptr,
-                                                                 primary.dx, primary.dy);
+    holder = both_periodic
+                 ? new (std::nothrow)
+                       TCDisturbed_grid(primary.n_x, primary.n_y, last_index, doubling_size, count,
+                                        nx, ny, dxs, dys, nullptr, primary.dx, primary.dy)
+                 : new (std::nothrow) TCDisturbed_grid(primary.n_x, primary.n_y, count, nx, ny, dxs,
+                                                       dys, nullptr, primary.dx, primary.dy);
     ocean_grid = holder;
   } else {
-    ocean_grid = both_periodic
-                     ? new (std::nothrow) TCGrid(primary.n_x, primary.n_y, last_index,
-                                                 doubling_size, primary.dx, primary.dy)
-                     : new (std::nothrow) TCGrid(primary.n_x, primary.n_y, primary.dx, primary.dy);
+    ocean_grid = both_periodic ? new (std::nothrow) TCGrid(primary.n_x, primary.n_y, last_index,
+                                                           doubling_size, primary.dx, primary.dy)
+                               : new (std::nothrow)
+                                     TCGrid(primary.n_x, primary.n_y, primary.dx, primary.dy);
   }
   if (ocean_grid == nullptr) {
     std::cout << "NO MEMORY for ocean surface grid"
@@ -566,18 +565,18 @@ int TCOcean::build_spectrum(const ocean_input& input) {
   double low = unbounded, high = unbounded;
   if (n_fields > 0 && field_info[0].field_code == code_ocean_grid) {
     const Field_entry& second = field_info[0];
-    const double p_low = std::fmin(1.0 / (primary.n_x * primary.dx), 1.0 / (primary.n_y * primary.dy));
+    const double p_low =
+        std::fmin(1.0 / (primary.n_x * primary.dx), 1.0 / (primary.n_y * primary.dy));
     const double p_high = std::fmax(1.0 / (2.0 * primary.dx), 1.0 / (2.0 * primary.dy));
     const int seed = input.secondary_grid.generate_file ? input.secondary_grid.random_seed : 0;
     TCWave_spectrum* field =
         variable_wind
             ? new (std::nothrow) TCWind_wave_spectrum(
-                  spectrum_type, seed, holder->detail_field[0], second.n_x, second.n_y,
-                  second.dx, second.dy, p_low, p_high, wind_file, reference_time, glassy)
-            : new (std::nothrow) TCWave_spectrum(spectrum_type, seed, holder->detail_field[0],
-                                                 second.n_x, second.n_y, second.dx, second.dy,
-                                                 p_low, p_high, wind_speed, wind_direction,
-                                                 reference_time, glassy);
+                  spectrum_type, seed, holder->detail_field[0], second.n_x, second.n_y, second.dx,
+                  second.dy, p_low, p_high, wind_file, reference_time, glassy)
+            : new (std::nothrow) TCWave_spectrum(
+                  spectrum_type, seed, holder->detail_field[0], second.n_x, second.n_y, second.dx,
+                  second.dy, p_low, p_high, wind_speed, wind_direction, reference_time, glassy);
     if (field == nullptr) return 0;
     field->set_spectrum_file(second.spectrum_file);
     fields[0] = field;
@@ -593,24 +592,23 @@ int TCOcean::build_spectrum(const ocean_input& input) {
   }
   if (variable_wind) {
     ocean_field = low < unbounded
-                      ? new (std::nothrow) TCWind_wave_spectrum(
-                            spectrum_type, primary_seed, ocean_grid->height, primary.n_x,
-                            primary.n_y, primary.dx, primary.dy, low, high, wind_file,
-                            reference_time, glassy)
+                      ? new (std::nothrow)
+                            TCWind_wave_spectrum(spectrum_type, primary_seed, ocean_grid->height,
+                                                 primary.n_x, primary.n_y, primary.dx, primary.dy,
+                                                 low, high, wind_file, reference_time, glassy)
                       : new (std::nothrow) TCWind_wave_spectrum(
                             spectrum_type, primary_seed, ocean_grid->height, primary.n_x,
-                            primary.n_y, primary.dx, primary.dy, wind_file, reference_time,
-                            glassy);
+                            primary.n_y, primary.dx, primary.dy, wind_file, reference_time, glassy);
   } else {
-    ocean_field = low < unbounded
-                      ? new (std::nothrow) TCWave_spectrum(
-                            spectrum_type, primary_seed, ocean_grid->height, primary.n_x,
-                            primary.n_y, primary.dx, primary.dy, low, high, wind_speed,
-                            wind_direction, reference_time, glassy)
-                      : new (std::nothrow) TCWave_spectrum(
-                            spectrum_type, primary_seed, ocean_grid->height, primary.n_x,
-                            primary.n_y, primary.dx, primary.dy, wind_speed, wind_direction,
-                            reference_time, glassy);
+    ocean_field =
+        low < unbounded
+            ? new (std::nothrow)
+                  TCWave_spectrum(spectrum_type, primary_seed, ocean_grid->height, primary.n_x,
+                                  primary.n_y, primary.dx, primary.dy, low, high, wind_speed,
+                                  wind_direction, reference_time, glassy)
+            : new (std::nothrow) TCWave_spectrum(
+                  spectrum_type, primary_seed, ocean_grid->height, primary.n_x, primary.n_y,
+                  primary.dx, primary.dy, wind_speed, wind_direction, reference_time, glassy);
   }
   if (ocean_field == nullptr) return 0;
   ocean_field->set_spectrum_file(primary.spectrum_file);
@@ -633,8 +631,8 @@ int TCOcean::build_fields() {
             TCHeight_grid(static_cast<const Height_grid_details_input&>(*entry.record), buffer);
         break;
       case code_multiplier_grid:
-        field = new (std::nothrow) TCMultiplier_grid(
-            static_cast<const Height_grid_details_input&>(*entry.record), buffer);
+        field = new (std::nothrow)
+            TCMultiplier_grid(static_cast<const Height_grid_details_input&>(*entry.record), buffer);
         break;
       default: {
         // Reflecting objects, deformations, ripples, wakes and boats are read
@@ -661,9 +659,9 @@ int TCOcean::build_fields() {
 int TCOcean::allocate_tables() {
   int stride = ocean_grid->doubling_on ? ocean_grid->coarsest_stride() : 1;
   if (stride < 1) stride = 1;
-  n_levels = static_cast<int>(std::floor(std::log(static_cast<double>(stride)) / std::log(2.0) +
-                                         0.001)) +
-             2;
+  n_levels =
+      static_cast<int>(std::floor(std::log(static_cast<double>(stride)) / std::log(2.0) + 0.001)) +
+      2;
   for (int side = 0; side < 2; side++) {
     delete[] table_done[side];
     table_done[side] = new (std::nothrow) short[n_levels]();
@@ -681,7 +679,9 @@ void TCOcean::set_box_top(double top) {
   if (ocean_grid != nullptr) ocean_grid->z_offset = -(top - box_depth) * 0.5;
 }
 
-void TCOcean::set_time(double t) { update_to_time(t); }
+void TCOcean::set_time(double t) {
+  update_to_time(t);
+}
 
 void TCOcean::update_to_time(double t) {
   const double dt = t - reference_time;
@@ -711,8 +711,8 @@ void TCOcean::update_to_time(double t) {
     const int code = field_info[i].field_code;
     if (!moves(code) || fields[i] == nullptr) continue;
     if (code == code_height_grid || code == code_multiplier_grid) {
-      static_cast<TCHeight_grid*>(fields[i])
-          ->offset_at(dt, holder->detail_offset[i][0], holder->detail_offset[i][1]);
+      static_cast<TCHeight_grid*>(fields[i])->offset_at(dt, holder->detail_offset[i][0],
+                                                        holder->detail_offset[i][1]);
     }
   }
   float low = 0.0f, high = 0.0f;
@@ -822,10 +822,10 @@ void TCOcean::print_field(std::ostream& out, const Field_entry& entry) const {
     case code_boat:
     case code_height_grid:
     case code_multiplier_grid:
-      out << (entry.field_code == code_wake    ? "  WAKE GRID "
-              : entry.field_code == code_boat  ? "  BOAT GRID "
+      out << (entry.field_code == code_wake          ? "  WAKE GRID "
+              : entry.field_code == code_boat        ? "  BOAT GRID "
               : entry.field_code == code_height_grid ? "  HEIGHT GRID "
-                                                      : "  MULTIPLIER GRID ")
+                                                     : "  MULTIPLIER GRID ")
           << "\n";
       size = "grid lattice size:           ";
       spacing = "grid lattice spacing:        ";
@@ -973,8 +973,7 @@ void TCOcean::print_parameters(std::ostream& out) const {
     out << "  reflectivities           " << w.whitecap_reflectivity_low << " "
         << w.whitecap_reflectivity_high << "\n";
     out << "  acceleration_offset      " << w.acceleration_time_offset << "\n";
-    if (w.whitecap_generation == 1 || w.whitecap_generation == -2 ||
-        w.whitecap_generation == 2) {
+    if (w.whitecap_generation == 1 || w.whitecap_generation == -2 || w.whitecap_generation == 2) {
       out << "  inputting initial whitecap configuration from " << w.initial_state_file << "\n";
     } else {
       out << "  outputting initial whitecap configuration to " << w.initial_state_file << "\n";
