@@ -707,13 +707,11 @@ void TCOcean::update_to_time(double t) {
       fields[i]->transform_to_lattice();
     }
   }
+  // Travellers report where they are; each field says so itself, whatever
+  // class stands behind its code.
   for (int i = 0; i < n_fields && holder != nullptr; i++) {
-    const int code = field_info[i].field_code;
-    if (!moves(code) || fields[i] == nullptr) continue;
-    if (code == code_height_grid || code == code_multiplier_grid) {
-      static_cast<TCHeight_grid*>(fields[i])->offset_at(dt, holder->detail_offset[i][0],
-                                                        holder->detail_offset[i][1]);
-    }
+    if (!moves(field_info[i].field_code) || fields[i] == nullptr) continue;
+    fields[i]->moving_offset(holder->detail_offset[i][0], holder->detail_offset[i][1], dt);
   }
   float low = 0.0f, high = 0.0f;
   ocean_grid->height_range(low, high);
@@ -936,13 +934,14 @@ void TCOcean::print_parameters(std::ostream& out) const {
           << "\n";
       out << "threshold value of          " << saturation_threshold << "\n";
       out << "on band #                   " << saturation_band + 1 << "\n";
+      // These texts end in their separator: the values follow one space apart.
       out << "sub saturation scaling: ";
       for (int i = 0; i < n_bands && sub_saturation_scale != nullptr; i++)
-        out << " " << sub_saturation_scale[i];
+        out << (i > 0 ? " " : "") << sub_saturation_scale[i];
       out << "\n";
       out << "saturation values: ";
       for (int i = 0; i < n_bands && saturation_value != nullptr; i++)
-        out << " " << saturation_value[i];
+        out << (i > 0 ? " " : "") << saturation_value[i];
       out << "\n";
     }
   } else {
