@@ -25,14 +25,15 @@ namespace {
 // A scene of objects at given heights and nothing else: no sun, no air.
 class Heights_scene : public TCScene_tracer {
  public:
-  explicit Heights_scene(const std::vector<double>& z) : heights(z) {}
+  explicit Heights_scene(const std::vector<double>& z, int kind_in = 1)
+      : heights(z), kind(kind_in) {}
   int band_count() const override { return 0; }
   const TCBand* band_table() const override { return nullptr; }
   const TCStar* star() const override { return nullptr; }
   int sun_irradiance_at(const TCVector&, TCSpectrum&, int) override { return 0; }
   int object_count() const override { return static_cast<int>(heights.size()); }
   const char* object_name(int) const override { return "thing"; }
-  int object_kind(int) const override { return 1; }
+  int object_kind(int) const override { return kind; }
   int object_position(int index, TCVector& out) const override {
     if (index < 0 || index >= object_count()) return 0;
     out = TCVector(5.0, -3.0, heights[index]);
@@ -54,6 +55,7 @@ class Heights_scene : public TCScene_tracer {
                           int) override {}
 
   std::vector<double> heights;
+  int kind;  // of every object
 };
 
 // ---- Edge cases of construction ----
@@ -603,6 +605,88 @@ TEST(OceanObject, VerboseConstructionPrintsTheParameters) {
   Verbose_as loud(1);
   ASSERT_EQ(construct_quietly(ocean, input, printed), 1) << printed;
   EXPECT_EQ(printed, printed_parameters(ocean));
+}
+
+TEST(OceanObject, TwoOceanGridsShareTheBandTheOtherCanCarry) {
+  Scratch_folder folder;
+  ocean_input input;
+  small_sea(input, folder);
+  input.number_aux_oceans = 1;
+  TCOcean ocean(input);
+  std::string printed;
+  Verbose_as quiet(0);
+  ASSERT_EQ(construct_quietly(ocean, input, printed), 1) << printed;
+  // Primary 16 x 8 cells of 2 m: 1/32 to 1/4 cycles per metre; secondary
+  // 8 x 8 cells of 8 m: 1/64 to 1/16. Each field's band is the other's.
+  const TCWave_spectrum* secondary = static_cast<const TCWave_spectrum*>(ocean.fields[0]);
+  EXPECT_DOUBLE_EQ(secondary->band_low, 0.03125);
+  EXPECT_DOUBLE_EQ(secondary->band_high, 0.25);
+  EXPECT_DOUBLE_EQ(ocean.ocean_field->band_low, 0.015625);
+  EXPECT_DOUBLE_EQ(ocean.ocean_field->band_high, 0.0625);
+}
+
+TEST(OceanObject, ASingleOceanGridSharesNoBand) {
+  Scratch_folder folder;
+  ocean_input input;
+  small_sea(input, folder);
+  TCOcean ocean(input);
+  std::string printed;
+  Verbose_as quiet(0);
+  ASSERT_EQ(construct_quietly(ocean, input, printed), 1) << printed;
+  EXPECT_EQ(ocean.ocean_field->band_low, 99999999.0);
+  EXPECT_EQ(ocean.ocean_field->band_high, 99999999.0);
+}
+
+TEST(OceanObject, SkyTablesAreRedoneWhenTheSunMovesOrUnderAnAtmosphere) {
+  Scratch_folder folder;
+  ocean_input input;
+  small_sea(input, folder);
+  input.external_exact = 1;
+  input.include = 3;
+  TCOcean ocean(input);
+  std::string printed;
+  Verbose_as quiet(0);
+  ASSERT_EQ(construct_quietly(ocean, input, printed), 1) << printed;
+  ASSERT_GE(ocean.n_levels, 1);
+  Heights_scene scene({-50.0});
+  ocean.scene = &scene;
+  // The stored sun is nowhere: the first frame is a move.
+  ocean.table_done[0][0] = 1;
+  ocean.table_done[1][0] = 1;
+  ocean.prepare_frame();
+  EXPECT_EQ(ocean.table_builds, 1);
+  EXPECT_EQ(ocean.table_done[0][0], 0);
+  EXPECT_EQ(ocean.table_done[1][0], 0);
+  EXPECT_EQ(ocean.stored_sun[2], -1.0);
+  // The same sun again: the tables stand.
+  ocean.table_done[0][0] = 1;
+  ocean.prepare_frame();
+  EXPECT_EQ(ocean.table_builds, 1);
+  EXPECT_EQ(ocean.table_done[0][0], 1);
+  // Under an atmosphere (kind 7) they are redone every frame.
+  Heights_scene sky({50.0}, 7);
+  ocean.scene = &sky;
+  ocean.prepare_frame();
+  EXPECT_EQ(ocean.table_builds, 2);
+  EXPECT_EQ(ocean.table_done[0][0], 0);
+  ocean.scene = nullptr;
+}
+
+TEST(OceanObject, WithoutCouplingTheDoneMarksAreKeptWhenTheSunMoves) {
+  Scratch_folder folder;
+  ocean_input input;
+  small_sea(input, folder);
+  TCOcean ocean(input);
+  std::string printed;
+  Verbose_as quiet(0);
+  ASSERT_EQ(construct_quietly(ocean, input, printed), 1) << printed;
+  Heights_scene scene({-50.0});
+  ocean.scene = &scene;
+  ocean.table_done[0][0] = 1;
+  ocean.prepare_frame();
+  EXPECT_EQ(ocean.table_builds, 1);
+  EXPECT_EQ(ocean.table_done[0][0], 1);
+  ocean.scene = nullptr;
 }
 
 }  // namespace
