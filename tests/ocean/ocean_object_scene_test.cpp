@@ -14,7 +14,8 @@
 
 namespace {
 
-// A scene of objects at given heights and nothing else: no sun, no air.
+// A scene of objects of one kind (7 is the air) at given heights, and no
+// sun.
 class Heights_scene : public TCScene_tracer {
  public:
   explicit Heights_scene(const std::vector<double>& z, int kind_in = 1)

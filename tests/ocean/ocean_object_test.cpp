@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstdio>
 #include <cstring>
 #include <string>
 #include <vector>
@@ -611,6 +612,42 @@ TEST(OceanObject, TheSeedIsTakenOnlyWhenTheSpectrumIsGenerated) {
   TCOcean reading(input);
   ASSERT_EQ(construct_quietly(reading, input, printed), 1) << printed;
   EXPECT_EQ(reading.primary_seed, 0);
+}
+
+TEST(OceanObject, AnOceanGridInTheDisturbanceListIsTheFurtherGridWhereverItStands) {
+  Scratch_folder folder;
+  ocean_input input;
+  small_sea(input, folder);
+  add_swell(input, folder, "swell.spectrum", 8, 2.0);
+  TCGrid_details_input* grid = add_kind(input, 1, 8, 8, 8.0, 8.0);
+  grid->random_seed = 11;
+  std::snprintf(grid->spectrum_file, 256, "%s", folder.file("listed.spectrum").c_str());
+  TCOcean ocean(input);
+  std::string printed;
+  Verbose_as quiet(0);
+  ASSERT_EQ(construct_quietly(ocean, input, printed), 1) << printed;
+  ASSERT_EQ(ocean.n_fields, 2);
+  EXPECT_EQ(ocean.field_info[1].field_code, 1);
+  const TCWave_spectrum* second = dynamic_cast<const TCWave_spectrum*>(ocean.fields[1]);
+  ASSERT_NE(second, nullptr);
+  EXPECT_EQ(second->field, ocean.holder->detail_field[1]);
+  EXPECT_EQ(second->seed, 11);
+  EXPECT_STREQ(second->spectrum_file, folder.file("listed.spectrum").c_str());
+  // The two share their bands as any two ocean grids do.
+  EXPECT_DOUBLE_EQ(second->band_low, 0.03125);
+  EXPECT_DOUBLE_EQ(ocean.ocean_field->band_high, 0.0625);
+}
+
+TEST(OceanObject, AThirdOceanGridIsRefused) {
+  Scratch_folder folder;
+  ocean_input input;
+  small_sea(input, folder);
+  input.number_aux_oceans = 1;
+  add_kind(input, 1, 8, 8, 8.0, 8.0);
+  TCOcean ocean(input);
+  std::string printed;
+  EXPECT_EQ(construct_quietly(ocean, input, printed), 0);
+  EXPECT_EQ(printed, "more than two ocean grids not yet implemented\n");
 }
 
 }  // namespace
