@@ -275,6 +275,11 @@ TEST(OceanObject, AFurtherOceanGridIsFieldOneWithItsOwnSpectrum) {
   EXPECT_EQ(ocean.fields[0]->field, ocean.holder->detail_field[0]);
   EXPECT_STREQ(ocean.fields[0]->spectrum_file, folder.file("secondary.spectrum").c_str());
   EXPECT_STREQ(ocean.ocean_field->spectrum_file, folder.file("primary.spectrum").c_str());
+  // Centred on the primary's origin: half of 8 cells of 8 m; wrapping, not turned.
+  EXPECT_EQ(ocean.holder->detail_offset[0][0], 32.0);
+  EXPECT_EQ(ocean.holder->detail_offset[0][1], 32.0);
+  EXPECT_EQ(ocean.holder->detail_periodic[0], 1);
+  EXPECT_EQ(ocean.holder->detail_rotated[0], 0);
 }
 
 TEST(OceanObject, ARippleIsOneRowCentredOnItsPosition) {
