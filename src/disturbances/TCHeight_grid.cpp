@@ -90,6 +90,11 @@ void TCHeight_grid::offset_at(double time, double& offset_x, double& offset_y) c
   offset_y = so * half_x + co * half_y - position_y - std::sin(direction) * velocity * time;
 }
 
+int TCHeight_grid::moving_offset(double& x, double& y, double time) const {
+  offset_at(time, x, y);
+  return 1;
+}
+
 int TCHeight_grid::read_field_file() const {
   const int dims[2] = {n_y, n_x};
   int found[2];

@@ -33,6 +33,8 @@ class TCHeight_grid : public TCSurface_field {
   // The detail offset (metres) that puts the grid's centre at its position
   // at time t, turned by its orientation and moved along its direction.
   void offset_at(double time, double& offset_x, double& offset_y) const;
+  // The same, as every travelling field answers it.
+  int moving_offset(double& x, double& y, double time) const override;
   // Reads the data set into the buffer: 1, or 0 after the file's own
   // message ("can not be opened", or the dimension report).
   int read_field_file() const;

@@ -196,10 +196,10 @@ int TCSurface_object::distance_to_surface(const TCRay& ray, TCVector& hit, doubl
     return 0;
   }
   // A ray that is in the water where it enters the box meets the water at
-  // the entry point, and counts as beginning in the water: distance 0, even
-  // when it entered the box through a face that lies under the surface.
+  // the entry point, and the distance goes with that hit: 0 past where the
+  // march starts, which is 0 for a ray that starts in the box.
   if (found == 0.0) {
-    distance = 0.0;
+    distance = entry;
     hit = entry_point;
   } else {
     distance = found;

@@ -622,23 +622,28 @@ int TCOcean::build_spectrum(const ocean_input& input) {
   // Two ocean lattices share the wavenumbers both can carry: each lattice's
   // band is the other's range.
   double low = unbounded, high = unbounded;
-  if (n_fields > 0 && field_info[0].field_code == code_ocean_grid) {
-    const Field_entry& second = field_info[0];
+  // The further grid is field 0 when the file gives it as such, but an
+  // ocean grid may also come in the disturbance list, at any place.
+  int g = 0;
+  while (g < n_fields && field_info[g].field_code != code_ocean_grid) g++;
+  if (g < n_fields) {
+    const Field_entry& second = field_info[g];
     const double p_low =
         std::fmin(1.0 / (primary.n_x * primary.dx), 1.0 / (primary.n_y * primary.dy));
     const double p_high = std::fmax(1.0 / (2.0 * primary.dx), 1.0 / (2.0 * primary.dy));
-    const int seed = input.secondary_grid.generate_file ? input.secondary_grid.random_seed : 0;
+    const int seed = second.record->generate_file ? second.record->random_seed : 0;
+    float* buffer = holder->detail_field[g];
     TCWave_spectrum* field =
-        variable_wind
-            ? new (std::nothrow) TCWind_wave_spectrum(
-                  spectrum_type, seed, holder->detail_field[0], second.n_x, second.n_y, second.dx,
-                  second.dy, p_low, p_high, wind_file, reference_time, glassy)
-            : new (std::nothrow) TCWave_spectrum(
-                  spectrum_type, seed, holder->detail_field[0], second.n_x, second.n_y, second.dx,
-                  second.dy, p_low, p_high, wind_speed, wind_direction, reference_time, glassy);
+        variable_wind ? new (std::nothrow) TCWind_wave_spectrum(
+                            spectrum_type, seed, buffer, second.n_x, second.n_y, second.dx,
+                            second.dy, p_low, p_high, wind_file, reference_time, glassy)
+                      : new (std::nothrow)
+                            TCWave_spectrum(spectrum_type, seed, buffer, second.n_x, second.n_y,
+                                            second.dx, second.dy, p_low, p_high, wind_speed,
+                                            wind_direction, reference_time, glassy);
     if (field == nullptr) return 0;
     field->set_spectrum_file(second.spectrum_file);
-    fields[0] = field;
+    fields[g] = field;
     low = std::fmin(1.0 / (second.n_x * second.dx), 1.0 / (second.n_y * second.dy));
     high = std::fmax(1.0 / (2.0 * second.dx), 1.0 / (2.0 * second.dy));
   }
@@ -766,13 +771,11 @@ void TCOcean::update_to_time(double t) {
       fields[i]->transform_to_lattice();
     }
   }
+  // Travellers report where they are; each field says so itself, whatever
+  // class stands behind its code.
   for (int i = 0; i < n_fields && holder != nullptr; i++) {
-    const int code = field_info[i].field_code;
-    if (!moves(code) || fields[i] == nullptr) continue;
-    if (code == code_height_grid || code == code_multiplier_grid) {
-      static_cast<TCHeight_grid*>(fields[i])->offset_at(dt, holder->detail_offset[i][0],
-                                                        holder->detail_offset[i][1]);
-    }
+    if (!moves(field_info[i].field_code) || fields[i] == nullptr) continue;
+    fields[i]->moving_offset(holder->detail_offset[i][0], holder->detail_offset[i][1], dt);
   }
   float low = 0.0f, high = 0.0f;
   ocean_grid->height_range(low, high);
@@ -996,13 +999,14 @@ void TCOcean::print_parameters(std::ostream& out) const {
           << "\n";
       out << "threshold value of          " << saturation_threshold << "\n";
       out << "on band #                   " << saturation_band + 1 << "\n";
+      // These texts end in their separator: the values follow one space apart.
       out << "sub saturation scaling: ";
       for (int i = 0; i < n_bands && sub_saturation_scale != nullptr; i++)
-        out << " " << sub_saturation_scale[i];
+        out << (i > 0 ? " " : "") << sub_saturation_scale[i];
       out << "\n";
       out << "saturation values: ";
       for (int i = 0; i < n_bands && saturation_value != nullptr; i++)
-        out << " " << saturation_value[i];
+        out << (i > 0 ? " " : "") << saturation_value[i];
       out << "\n";
     }
   } else {

@@ -102,6 +102,10 @@ void TCSurface_field::evolve_potential(double) {
   zero_buffer(field);
 }
 
+int TCSurface_field::moving_offset(double&, double&, double) const {
+  return 0;
+}
+
 void TCSurface_field::set_spectrum_file(const char* name) {
   copy_text(spectrum_file, name ? name : "", sizeof(spectrum_file));
 }

@@ -35,6 +35,10 @@ class TCSurface_field {
   // Velocity potential (m^2/s) at the surface, at time t, left in the buffer
   // until the next evolve. Base: zero the buffer.
   virtual void evolve_potential(double time);
+  // For a field that travels over the sea: the detail offset (metres) that
+  // places it at time t (seconds since the reference time), and 1. Fields
+  // that stay where they were placed answer 0 and leave x, y alone.
+  virtual int moving_offset(double& x, double& y, double time) const;
 
   // Copies a name into spectrum_file, cut to fit.
   void set_spectrum_file(const char* name);

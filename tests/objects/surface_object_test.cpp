@@ -92,7 +92,7 @@ TEST(SurfaceObject, RayStartingInTheBoxAboveTheWaterMarchesFromItsOrigin) {
   EXPECT_NEAR(hit.z, 0.0, 0.75 / 64);
 }
 
-TEST(SurfaceObject, RayEnteringTheBoxUnderTheSurfaceCountsAsBeginningInTheWater) {
+TEST(SurfaceObject, RayEnteringTheBoxUnderTheSurfaceMeetsItAtTheEntryPoint) {
   // A lattice open in x whose box ends with it: outside the lattice there is
   // no water, so a ray may start beside the box and enter it through a side
   // face below the surface.
@@ -109,9 +109,8 @@ TEST(SurfaceObject, RayEnteringTheBoxUnderTheSurfaceCountsAsBeginningInTheWater)
   double distance = -5.0;
   ASSERT_EQ(surface->distance_to_surface(ray, hit, distance), 1);
   expect_vector(hit, TCVector(8.0, 0.0, 0.5), 1e-9);
-  // It counts as a ray that begins in the water: distance 0, though the hit
-  // is the entry point 3 m along it.
-  EXPECT_EQ(distance, 0.0);
+  // The distance is that of the hit it comes with.
+  EXPECT_NEAR(distance, 3.0, 1e-9);
 }
 
 TEST(SurfaceObject, BoxEntryBeyondMaxDistanceIsNoHit) {
@@ -360,6 +359,7 @@ class Sun_only_tracer : public TCScene_tracer {
   const char* object_name(int) const override { return nullptr; }
   int object_kind(int) const override { return -1; }
   int object_position(int, TCVector&) const override { return 0; }
+  int air_radiance(const TCRay&, TCSpectrum&) override { return 0; }
   int surface_height_under(int, const TCVector&, double&, double&) const override { return 0; }
   int find_by_name(const char*, int& index) const override {
     index = -1;

@@ -6,6 +6,7 @@
 #include "TCKeyframes.h"
 #include "TCObject_list.h"
 #include "TCObject_list_input.h"
+#include "TCOcean.h"
 #include "ocean_input.h"
 #include "ocean_test_records.h"
 #include "scratch_folder.h"
@@ -82,20 +83,51 @@ TEST(OceanInObjectList, AddObjectMakesAnOceanRecord) {
   EXPECT_EQ(record->type_code, 13);
 }
 
-// The runtime ocean is not part of this build: a list holding an ocean
-// record reads, and building it stops with the list's guard.
-TEST(OceanInObjectList, BuildingAListWithAnOceanReportsTheMissingRuntimeClass) {
+// The list builds the sea from its record, with the list's bands.
+TEST(OceanInObjectList, BuildingAListWithAnOceanMakesTheSea) {
   Scratch_folder folder;
+  Working_folder here(folder.file(""));
+  ASSERT_TRUE(here.ok());
   const std::string path = folder.file("sea.ocean");
-  put_file(path, plain_ocean(5));
+  // A square lattice, and a band the list has.
+  put_file(path,
+           replaced(replaced(plain_ocean(5), "dy 4", "dy 2"), "band_ids:  7", "band_ids:  1"));
   TCObject_list_input input;
   std::string printed;
   ASSERT_EQ(read_list(input, list_with_ocean(path), printed), 1) << printed;
   TCObject_list list;
   int needs_updates = 0;
   Stream_capture out(std::cout);
-  EXPECT_EQ(list.build(input, needs_updates), 0);
-  EXPECT_EQ(out.text(), "CODING TCError: valid object type 13 not defined in program\n");
+  ASSERT_EQ(list.build(input, needs_updates), 1) << out.text();
+  ASSERT_EQ(list.n_objects, 1);
+  const TCOcean* sea = dynamic_cast<const TCOcean*>(list.objects[0]);
+  ASSERT_NE(sea, nullptr);
+  EXPECT_EQ(sea->get_type(), 13);
+  EXPECT_EQ(sea->primary.n_x, 32);
+  EXPECT_EQ(sea->box_depth, 25.0);
+}
+
+// A sea that cannot be built ends the program: its water type needs a band
+// the list does not have (its lattice is square here, so that the band is
+// what fails).
+TEST(OceanInObjectList, ASeaThatCannotBeBuiltEndsTheProgram) {
+  Scratch_folder folder;
+  const std::string path = folder.file("sea.ocean");
+  put_file(path, replaced(plain_ocean(5), "dy 4", "dy 2"));
+  TCObject_list_input input;
+  std::string printed;
+  ASSERT_EQ(read_list(input, list_with_ocean(path), printed), 1) << printed;
+  EXPECT_EXIT(
+      {
+        std::cout.rdbuf(std::cerr.rdbuf());
+        TCObject_list list;
+        int needs_updates = 0;
+        list.build(input, needs_updates);
+      },
+      ::testing::ExitedWithCode(1),
+      "unable to process spectral part of input \n"
+      "unable to allocate object 1\n"
+      "unable to add object 0 to object list \n");
 }
 
 }  // namespace
