@@ -525,8 +525,11 @@ void TCOcean::glitter_intensity(double px, double py, const TCVector& ray, doubl
     const double D = glitter_normaliser(T, pu, sigma);
     const double A = (T * su + 1.0) * std::exp(-du * du / (2.0 * sigma * sigma)) / D;
     const double B = std::exp(-dc * dc / (2.0 * sigma * sigma)) / (sigma * root_two_pi);
-    const double d = std::fabs(ms * mv + au * wv);
-    const double k = d >= 1.0 ? 1.0 : std::cos(0.5 * std::acos(d));
+    // Cosine of the angle between the sun and the way back to the camera,
+    // which is twice the angle of incidence on the mirroring facet. Its
+    // sign stays: beyond 45 degrees of incidence it is negative.
+    const double d = ms * mv + au * wv;
+    const double k = d >= 1.0 ? 1.0 : std::cos(0.5 * std::acos(d < -1.0 ? -1.0 : d));
     fresnel(-k, reflectance);
     const double w = 1.0 / (su * su + sc * sc + 1.0);
     const double denominator = std::pow(w, 1.5) * 4.0 * k;
