@@ -94,7 +94,7 @@ class TCObject_list : public TCScene_tracer {
   // object, its layer is copied out if first_flag is set, but first_flag is
   // not set otherwise.
   void image_scene_secondary(int* active, TCView& view, TCSpectrum* spectrum, float** radiance_out,
-                             double min_distance, object_contour* contour, int keep_flag);
+                             double min_distance, object_contour* contour, int keep_flag) override;
   void image_scene_secondary_for_source(int source_object, TCView& view, TCSpectrum* spectrum,
                                         float** radiance_out, double min_distance,
                                         object_contour* contour);

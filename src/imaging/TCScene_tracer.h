@@ -76,6 +76,11 @@ class TCScene_tracer {
   virtual void image_scene_for_source(int source_object, TCView& view, TCSpectrum* spectrum,
                                       float** radiance_out, double min_distance,
                                       object_contour* contour) = 0;
+  // The pass for a reflected or refracted view: objects paint as they are
+  // seen in a mirror, the air is switched off, no pixel is refined.
+  virtual void image_scene_secondary(int* active, TCView& view, TCSpectrum* spectrum,
+                                     float** radiance_out, double min_distance,
+                                     object_contour* contour, int keep_flag) = 0;
   virtual void image_surface_line(int* active, TCView& view, TCSpectrum* spectrum,
                                   float** radiance_out, double min_distance,
                                   object_contour* contour, int keep_flag) = 0;

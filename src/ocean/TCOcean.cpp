@@ -162,6 +162,8 @@ TCOcean::TCOcean(const ocean_input& input)
       work_glitter(nullptr),
       work_table(nullptr),
       work_matte(nullptr),
+      work_reflected(nullptr),
+      work_refracted(nullptr),
       glitter_done(nullptr) {
   for (int side = 0; side < 2; side++) {
     radiance_table[side] = nullptr;
@@ -220,6 +222,8 @@ TCOcean::~TCOcean() {
   delete[] work_glitter;
   delete[] work_table;
   delete[] work_matte;
+  delete[] work_reflected;
+  delete[] work_refracted;
   delete[] glitter_done;
   delete reflected_contour;
   delete refracted_contour;

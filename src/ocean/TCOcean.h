@@ -227,6 +227,8 @@ class TCOcean : public TCSurface_object {
   double* work_glitter;
   double* work_table;
   double* work_matte;
+  double* work_reflected;
+  double* work_refracted;
   int* glitter_done;
 
  private:
@@ -239,6 +241,12 @@ class TCOcean : public TCSurface_object {
   float* level_table(float* const* tables, int side, int level) const;
   void lookup(const float* table, double c, double m, double s, double* out, int side) const;
   double sharpening_at(double view_zenith) const;
+  // What the scene shows inside a narrow cone from a world point: the
+  // objects' radiance per band (the air left out), the fraction of the cone
+  // they fill and the nearest one's distance (1e16 when none).
+  void trace_cone(const TCVector& from, const TCVector& direction, double width_x, double width_y,
+                  int below, object_contour* contour, double* radiance, double& fraction,
+                  double& distance);
   // Whitecap grids needed to reach max_distance from the finest.
   int whitecap_grid_count() const;
   int take_grid(const TCGrid_details_input& grid, int code, Field_entry& entry);

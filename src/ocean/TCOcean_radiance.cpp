@@ -11,7 +11,9 @@
 #include "TCOcean.h"
 #include "TCScene_tracer.h"
 #include "TCSettings.h"
+#include "TCView.h"
 #include "TCWave_spectrum.h"
+#include "object_contour.h"
 
 namespace {
 
@@ -71,10 +73,13 @@ int TCOcean::allocate_light() {
   work_glitter = new (std::nothrow) double[bands]();
   work_table = new (std::nothrow) double[bands]();
   work_matte = new (std::nothrow) double[bands]();
+  work_reflected = new (std::nothrow) double[bands]();
+  work_refracted = new (std::nothrow) double[bands]();
   glitter_done = new (std::nothrow) int[bands]();
   if (fresnel_table == nullptr || irradiance_above == nullptr || irradiance_saved == nullptr ||
       upwelling == nullptr || work_reflectance == nullptr || work_glitter == nullptr ||
-      work_table == nullptr || work_matte == nullptr || glitter_done == nullptr)
+      work_table == nullptr || work_matte == nullptr || work_reflected == nullptr ||
+      work_refracted == nullptr || glitter_done == nullptr)
     return 0;
   for (int side = 0; side < 2; side++) {
     const long cells = table_cells(side) * n_levels;
@@ -545,13 +550,54 @@ void TCOcean::glitter_intensity(double px, double py, const TCVector& ray, doubl
   }
 }
 
+void TCOcean::trace_cone(const TCVector& from, const TCVector& direction, double width_x,
+                         double width_y, int below, object_contour* contour, double* radiance,
+                         double& fraction, double& distance) {
+  for (int band = 0; band < n_bands; band++) radiance[band] = 0.0;
+  fraction = 0.0;
+  distance = contour_empty_distance;
+  if (scene == nullptr || contour == nullptr) return;
+  // A view whose line of sight (its z axis) is the direction.
+  TCVector d = direction;
+  const double length = std::sqrt(d.dot(d));
+  if (!(length > 0.0)) return;
+  d = d * (1.0 / length);
+  TCVector a = std::fabs(d.z) < 0.9 ? TCVector(0.0, 0.0, 1.0) : TCVector(1.0, 0.0, 0.0);
+  TCVector e1 = TCVector(a.y * d.z - a.z * d.y, a.z * d.x - a.x * d.z, a.x * d.y - a.y * d.x);
+  e1 = e1 * (1.0 / std::sqrt(e1.dot(e1)));
+  const TCVector e2(d.y * e1.z - d.z * e1.y, d.z * e1.x - d.x * e1.z, d.x * e1.y - d.y * e1.x);
+  TCView cone;
+  cone.position = from;
+  for (int r = 0; r < 3; r++) {
+    cone.object_to_world.m[3 * r + 0] = e1[r];
+    cone.object_to_world.m[3 * r + 1] = e2[r];
+    cone.object_to_world.m[3 * r + 2] = d[r];
+  }
+  cone.world_to_view = cone.object_to_world.transpose();
+  const double half_x = std::tan(0.5 * width_x), half_y = std::tan(0.5 * width_y);
+  cone.set_grid(1, -half_y, half_y, 1, -half_x, half_x);
+  cone.anti_alias = 0;
+  int active[TCScene_tracer::max_objects];
+  for (int i = 0; i < TCScene_tracer::max_objects; i++) {
+    active[i] = i == object_id ? 0 : (below ? object_above[i] : 1);
+    contour->active[i] = active[i];
+  }
+  contour->forced_object = -1;
+  scene->image_scene_secondary(active, cone, contour->spectrum, contour->radiance_out, 0.0, contour,
+                               0);
+  for (int band = 0; band < n_bands && band < contour->spectrum->n; band++)
+    radiance[band] = contour->radiance_out[band][0];
+  fraction = contour->total_coverage[0][0];
+  distance = contour->total_distance[0][0];
+}
+
 void TCOcean::surface_radiance(const TCRay& ray, const TCVector& point, const TCVector& normal_in,
                                TCSpectrum& spectrum, int side, float* matte_values,
                                double footprint) {
-  (void)footprint;
   make_tables(side);
   TCVector normal = normal_in;
-  const TCVector view = ray.direction();
+  TCVector view;
+  direction_to_object(ray.direction(), view);
   // Water behind a wall is the wall's inside.
   if (holder != nullptr && holder->behind_reflecting_line(point.x, point.y)) {
     if (interior_mode == 0) {
@@ -585,6 +631,77 @@ void TCOcean::surface_radiance(const TCRay& ray, const TCVector& point, const TC
   for (int band = 0; band < n_bands; band++) {
     table_total[band] = total[band];
     glitter[band] = 0.0;
+  }
+  double* reflected = work_reflected;
+  double* refracted = work_refracted;
+  for (int band = 0; band < n_bands; band++) reflected[band] = refracted[band] = 0.0;
+  const TCVector camera = ray.origin();
+  TCVector world_point;
+  point_to_world(point + box_centre, world_point);
+  const double gap_x = camera.x - world_point.x, gap_y = camera.y - world_point.y;
+  const int far = gap_x * gap_x > max_exact_distance_sq || gap_y * gap_y > max_exact_distance_sq;
+  if (external_exact && !far) {
+    // Rays leaving the surface go on through the scene; the tables keep the
+    // sky and the water's own light.
+    double* reflectance = work_reflectance;
+    if (reflection_method == 2) {
+      for (int band = 0; band < n_bands; band++) reflectance[band] = 1.0;
+    } else if (keep_reflection_table) {
+      reflection_lookup(c, m, s, reflectance, side);
+    } else {
+      fresnel(-c, reflectance);
+    }
+    if (side == -1) {
+      for (int band = 0; band < n_bands; band++) {
+        if (c < snell_cosine[band]) reflectance[band] = 1.0;
+      }
+    }
+    const int trace_reflected = side == 1 ? (include & 1) : (include & 2);
+    const int trace_refracted = side == 1 ? (include & 2) : (include & 1);
+    const double to_point = std::sqrt(gap_x * gap_x + gap_y * gap_y +
+                                      (camera.z - world_point.z) * (camera.z - world_point.z));
+    const double pixel = to_point > 0.0 ? footprint / to_point : 0.0;
+    const double spread = ocean_field->slope_current * sharpening;
+    const double width = std::sqrt(spread * spread + pixel * pixel);
+    double fraction = 0.0, distance = 0.0;
+    const TCVector d = view;
+    const double dn = d.dot(normal);
+    if (trace_reflected) {
+      TCVector mirror = d - normal * (2.0 * dn);
+      TCVector world_mirror;
+      direction_to_world(mirror, world_mirror);
+      trace_cone(world_point, world_mirror, width, width, side == -1, reflected_contour, reflected,
+                 fraction, distance);
+      if (shadow_method && distance * distance < shadow_distance_sq) {
+        for (int band = 0; band < n_bands; band++)
+          table_total[band] *= 1.0 - fraction * max_shadow_fraction;
+      }
+    }
+    int partial = 0;
+    for (int band = 0; band < n_bands; band++) partial |= reflectance[band] < 1.0;
+    if (trace_refracted && partial) {
+      double mean_n = 0.0;
+      for (int band = 0; band < n_bands; band++) mean_n += index_of_refraction[band];
+      mean_n /= n_bands;
+      // Snell's law through the facet, from the side the view comes from.
+      const double ratio = side == 1 ? 1.0 / mean_n : mean_n;
+      const double cos_in = -dn;
+      const double under = 1.0 - ratio * ratio * (1.0 - cos_in * cos_in);
+      if (under > 0.0) {
+        const double cos_out = std::sqrt(under);
+        const double sign = cos_in >= 0.0 ? 1.0 : -1.0;
+        TCVector bent = d * ratio + normal * (ratio * cos_in - sign * cos_out);
+        TCVector world_bent;
+        direction_to_world(bent, world_bent);
+        trace_cone(world_point, world_bent, width, width, side == 1, refracted_contour, refracted,
+                   fraction, distance);
+      }
+    }
+    for (int band = 0; band < n_bands; band++) {
+      total[band] = reflectance[band] * reflected[band] +
+                    (1.0 - reflectance[band]) * refracted[band] + table_total[band];
+      table_reflectance[band] = reflectance[band];
+    }
   }
   if (glitter_mode && normal.z != 0.0) {
     glitter_intensity(-normal.x / normal.z, -normal.y / normal.z, view, glitter, side);
@@ -622,6 +739,8 @@ void TCOcean::surface_radiance(const TCRay& ray, const TCVector& point, const TC
       matte_values[n_bands * 0 + band] = static_cast<float>(total[band]);
       matte_values[n_bands * 3 + band] = static_cast<float>(table_reflectance[band]);
       matte_values[n_bands * 4 + band] = static_cast<float>(table_total[band]);
+      matte_values[n_bands * 5 + band] = static_cast<float>(reflected[band]);
+      matte_values[n_bands * 6 + band] = static_cast<float>(refracted[band]);
       matte_values[n_bands * 12 + band] = static_cast<float>(glitter[band]);
     }
   }

@@ -10,7 +10,11 @@
 #include <string>
 #include <vector>
 
+#include "../objects/box_test_boxes.h"
+#include "TCBand.h"
+#include "TCObject_list.h"
 #include "TCOcean.h"
+#include "TCSolid_Box.h"
 #include "TCVector.h"
 #include "TCWave_spectrum.h"
 #include "ocean_input.h"
@@ -324,6 +328,92 @@ TEST(OceanLight, SaturationBandUnderThresholdScalesEveryBand) {
   }
   EXPECT_EQ(mattes[2 * 12 + 0], 100.0f);
   EXPECT_EQ(mattes[2 * 12 + 1], 200.0f);
+}
+
+}  // namespace
+
+namespace {
+
+// A box standing beside the sea, the only thing a mirror ray from the
+// water can meet.
+TEST(OceanLight, ExactPathShowsTheBoxTheMirrorRayMeets) {
+  LightSea sea(
+      replaced(light_ocean("1.34", 1, "glitter:  no\n"), "wind_velocity:  6", "wind_velocity:  0"));
+  ASSERT_EQ(sea.built, 1) << sea.printed;
+  TCObject_list list;
+  TCBand band;
+  band.band_id = 1;
+  band.center_wavelength = 0.55;
+  band.width = 0.1;
+  ASSERT_EQ(list.set_bands(1, &band), 1);
+  TCOcean* ocean = sea.ocean;
+  sea.ocean = nullptr;  // the list owns it now
+  ASSERT_EQ(list.add_runtime_object(ocean), 1);
+  // Its -y face at y = 19 from x -20 to 20 and z 0 to 40.
+  TCSolid_Box* wall = new_solid_box(TCVector(40.0, 2.0, 40.0), 10.0);
+  wall->set_position(TCVector(0.0, 20.0, 20.0), 0.0, 0.0, 0.0);
+  ASSERT_EQ(list.add_runtime_object(wall), 1);
+  {
+    Working_folder here(sea.folder.file(""));
+    Stream_capture quiet(std::cout);
+    ocean->update_to_time(0.0);
+    ocean->prepare_frame();
+  }
+  // From (0, -10, 10) to the water at the origin: the mirror ray rises at
+  // 45 degrees and meets the face at y = 19, z = 19.
+  const TCVector from(0.0, -10.0, 10.0);
+  const TCVector down = TCVector(0.0, 10.0, -10.0) * (1.0 / std::sqrt(200.0));
+  TCVector point;
+  ocean->point_to_box(TCVector(0.0, 0.0, 0.0), point);
+  TCSpectrum spectrum(1);
+  std::vector<float> mattes(40, 0.0f);
+  {
+    Stream_capture quiet(std::cout);
+    ocean->surface_radiance(TCRay(from, down), point, TCVector(0.0, 0.0, 1.0), spectrum, 1,
+                            mattes.data(), 0.01);
+  }
+  EXPECT_NEAR(mattes[5], 10.0, 1e-4);  // what the water reflects: the box's colour
+  // Averaged reflection is kept: the reflectance comes from its table, at
+  // 45 degrees on a facet with no resolved slope.
+  double r[1];
+  ocean->reflection_lookup(std::sqrt(0.5), std::sqrt(0.5), 0.0, r, 1);
+  EXPECT_NEAR(mattes[3], r[0], 1e-6);
+  double flat[1];
+  ocean->fresnel(-std::sqrt(0.5), flat);
+  EXPECT_NEAR(r[0], flat[0], 0.1 * flat[0]);
+  // The total holds the box's light times the reflectance on top of the
+  // tables' sky and water.
+  EXPECT_NEAR(mattes[0], r[0] * 10.0 + mattes[4], 1e-4);
+  // A camera beyond max_exact_distance (400 m) in y alone, looking at the
+  // same point with the box in the mirror: the tables alone.
+  const TCVector far_camera(0.0, -401.0, 401.0);
+  TCVector far_down = TCVector(0.0, 0.0, 0.0) - far_camera;
+  far_down = far_down * (1.0 / std::sqrt(far_down.dot(far_down)));
+  {
+    Stream_capture quiet(std::cout);
+    ocean->surface_radiance(TCRay(far_camera, far_down), point, TCVector(0.0, 0.0, 1.0), spectrum,
+                            1, mattes.data(), 0.01);
+  }
+  EXPECT_EQ(mattes[5], 0.0f);
+  EXPECT_EQ(mattes[0], mattes[4]);
+  // Within it in both axes the exact path runs again.
+  const TCVector near_camera(0.0, -399.0, 399.0);
+  TCVector near_down = TCVector(0.0, 0.0, 0.0) - near_camera;
+  near_down = near_down * (1.0 / std::sqrt(near_down.dot(near_down)));
+  {
+    Stream_capture quiet(std::cout);
+    ocean->surface_radiance(TCRay(near_camera, near_down), point, TCVector(0.0, 0.0, 1.0),
+                            spectrum, 1, mattes.data(), 0.01);
+  }
+  EXPECT_NEAR(mattes[5], 10.0, 1e-4);
+  // Looking the other way the mirror ray misses the box.
+  const TCVector away = TCVector(0.0, -10.0, -10.0) * (1.0 / std::sqrt(200.0));
+  {
+    Stream_capture quiet(std::cout);
+    ocean->surface_radiance(TCRay(TCVector(0.0, 10.0, 10.0), away), point, TCVector(0.0, 0.0, 1.0),
+                            spectrum, 1, mattes.data(), 0.01);
+  }
+  EXPECT_EQ(mattes[5], 0.0f);
 }
 
 }  // namespace
