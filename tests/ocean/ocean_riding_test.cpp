@@ -51,11 +51,14 @@ void write_plane(const std::string& path) {
   ASSERT_EQ(hdf_write_plane(path.c_str(), values.data(), dims, first), 1);
 }
 
-// A calm sea, with the drifting plane when grid is set.
-std::string calm_ocean(const Scratch_folder& folder, bool grid) {
+// A calm sea, with the drifting plane when grid is set; its lattice
+// repeats along both axes when periodic is set, else along neither.
+std::string calm_ocean(const Scratch_folder& folder, bool grid, bool periodic) {
   std::ostringstream text;
+  const int flag = periodic ? 1 : 0;
   text << "Tidecast_data_file ocean 5 5\n"
-          "n_points_x 32 1\nn_points_y 32 1\ndx 2\ndy 2\n"
+       << "n_points_x 32 " << flag << "\nn_points_y 32 " << flag
+       << "\ndx 2\ndy 2\n"
           "spectrum_file: "
        << folder.file("calm.spectrum")
        << "\ngenerate_file:  yes\nrandom_seed 5\nend\n"
@@ -81,8 +84,8 @@ std::string calm_ocean(const Scratch_folder& folder, bool grid) {
   return text.str();
 }
 
-void write_sea_files(const Scratch_folder& folder, bool grid) {
-  put_file(folder.file("sea.ocean"), calm_ocean(folder, grid));
+void write_sea_files(const Scratch_folder& folder, bool grid, bool periodic) {
+  put_file(folder.file("sea.ocean"), calm_ocean(folder, grid, periodic));
   if (!grid) return;
   put_file(folder.file("plane.detail"),
            "Tidecast_data_file height_grid 2 2\n"
@@ -141,8 +144,9 @@ class Riding : public ::testing::Test {
   ~Riding() override { verbose = saved_verbose_; }
 
   // Reads and builds the list; 1 when it all worked.
-  int build(const std::string& box_at, const std::string& camera_at, bool grid = true) {
-    write_sea_files(folder, grid);
+  int build(const std::string& box_at, const std::string& camera_at, bool grid = true,
+            bool periodic = true) {
+    write_sea_files(folder, grid, periodic);
     write_box_file(folder);
     write_camera_file(folder);
     std::istringstream in(riding_list(folder, box_at, camera_at));
@@ -290,4 +294,41 @@ TEST_F(Riding, CameraBeyondItsDecouplingHeightKeepsItsKeyFrame) {
   EXPECT_EQ(p.z, 3.0);
   EXPECT_EQ(chi, 0.0);
   EXPECT_EQ(theta, 0.0);
+}
+
+TEST_F(Riding, CalmSeasBoxRunsFromItsDepthToTheMeanLevel) {
+  ASSERT_EQ(build(pose(2, 3, 10), pose(-1, 2, 3), false), 1) << printed;
+  frame(2.0);
+  // Periodic both ways: unbounded across; 25 m deep, no crest.
+  EXPECT_EQ(sea->length.x, 99999999.0);
+  EXPECT_EQ(sea->length.y, 99999999.0);
+  EXPECT_EQ(sea->length.z, 25.0);
+  EXPECT_EQ(sea->box_centre.z, -12.5);
+  EXPECT_EQ(sea->ocean_grid->z_offset, 12.5);
+}
+
+TEST_F(Riding, SeasBoxReachesPastTheTallestValueOfItsGrid) {
+  ASSERT_EQ(build(pose(2, 3, 10), pose(-1, 2, 3)), 1) << printed;
+  frame(2.0);
+  // The grid's values run from 0.125 (0 - 32) - 0.0625 (47 - 24) = -5.4375
+  // to 0.125 (63 - 32) - 0.0625 (0 - 24) = 5.375, on a lattice of zeros:
+  // the top is 5.4375 * 1.05 = 5.709375.
+  const double top = 5.4375 * 1.05;
+  EXPECT_NEAR(sea->length.z, 25.0 + top, 1e-12);
+  EXPECT_NEAR(sea->box_centre.z, (top - 25.0) * 0.5, 1e-12);
+  EXPECT_NEAR(sea->ocean_grid->z_offset, -(top - 25.0) * 0.5, 1e-12);
+  EXPECT_EQ(sea->length.x, 99999999.0);
+  // The surface stays where it was in the world while the box is centred.
+  EXPECT_NEAR(height_under(2.0, 3.0), plane_height(2.0, 3.0, 2.0), 1e-12);
+}
+
+TEST_F(Riding, SeaThatDoesNotRepeatHasTheBoxOfItsFirstDetail) {
+  ASSERT_EQ(build(pose(2, 3, 10), pose(-1, 2, 3), true, false), 1) << printed;
+  // The grid's 64 by 48 nodes 1 m apart, not the lattice's 64 by 64 m.
+  EXPECT_EQ(sea->length.x, 64.0);
+  EXPECT_EQ(sea->length.y, 48.0);
+  frame(2.0);
+  EXPECT_EQ(sea->length.x, 64.0);
+  EXPECT_EQ(sea->length.y, 48.0);
+  EXPECT_NEAR(height_under(2.0, 3.0), plane_height(2.0, 3.0, 2.0), 1e-12);
 }
