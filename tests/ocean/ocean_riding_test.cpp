@@ -53,7 +53,7 @@ void write_plane(const std::string& path) {
 
 // A calm sea, with the drifting plane when grid is set; its lattice
 // repeats along both axes when periodic is set, else along neither.
-std::string calm_ocean(const Scratch_folder& folder, bool grid, bool periodic) {
+std::string calm_ocean(const Scratch_folder& folder, bool grid, bool periodic, bool wall) {
   std::ostringstream text;
   const int flag = periodic ? 1 : 0;
   text << "Tidecast_data_file ocean 5 5\n"
@@ -64,7 +64,8 @@ std::string calm_ocean(const Scratch_folder& folder, bool grid, bool periodic) {
        << "\ngenerate_file:  yes\nrandom_seed 5\nend\n"
           "number_aux_oceans  0\n";
   if (grid) {
-    text << "number_disturbances  1\n"
+    text << "number_disturbances  " << (wall ? 2 : 1)
+         << "\n"
             "render_disturbances_interior:  black\n"
             "disturbance_type:  height_grid\n"
             "n_points_x 64\nn_points_y 48\ndx 1\ndy 1\n"
@@ -72,6 +73,10 @@ std::string calm_ocean(const Scratch_folder& folder, bool grid, bool periodic) {
          << folder.file("plane.detail")
          << "\nposition_x: 0\nposition_y: 0\norientation: 0\n"
             "velocity: 0.5\ndirection: 0\nend\n";
+    // A wall along the y axis.
+    if (wall) {
+      text << "disturbance_type:  reflect_wall\nposition_x 0\nposition_y 0\nangle 90\nend\n";
+    }
   } else {
     text << "number_disturbances  0\n";
   }
@@ -84,8 +89,8 @@ std::string calm_ocean(const Scratch_folder& folder, bool grid, bool periodic) {
   return text.str();
 }
 
-void write_sea_files(const Scratch_folder& folder, bool grid, bool periodic) {
-  put_file(folder.file("sea.ocean"), calm_ocean(folder, grid, periodic));
+void write_sea_files(const Scratch_folder& folder, bool grid, bool periodic, bool wall) {
+  put_file(folder.file("sea.ocean"), calm_ocean(folder, grid, periodic, wall));
   if (!grid) return;
   put_file(folder.file("plane.detail"),
            "Tidecast_data_file height_grid 2 2\n"
@@ -145,8 +150,8 @@ class Riding : public ::testing::Test {
 
   // Reads and builds the list; 1 when it all worked.
   int build(const std::string& box_at, const std::string& camera_at, bool grid = true,
-            bool periodic = true) {
-    write_sea_files(folder, grid, periodic);
+            bool periodic = true, bool wall = false) {
+    write_sea_files(folder, grid, periodic, wall);
     write_box_file(folder);
     write_camera_file(folder);
     std::istringstream in(riding_list(folder, box_at, camera_at));
@@ -331,4 +336,27 @@ TEST_F(Riding, SeaThatDoesNotRepeatHasTheBoxOfItsFirstDetail) {
   EXPECT_EQ(sea->length.x, 64.0);
   EXPECT_EQ(sea->length.y, 48.0);
   EXPECT_NEAR(height_under(2.0, 3.0), plane_height(2.0, 3.0, 2.0), 1e-12);
+}
+
+TEST_F(Riding, WallAlongTheYAxisAddsTheMirroredGridAndDoublesTheBox) {
+  ASSERT_EQ(build(pose(2, 3, 10), pose(-1, 2, 3), true, true, true), 1) << printed;
+  ASSERT_EQ(sea->n_walls, 1);
+  ASSERT_EQ(sea->n_fields, 1);
+  for (double t : {1.0, 3.0}) {
+    frame(t);
+    // (x, y) also reads the sea at (-x, y): the x slopes cancel and
+    // 2 slope_y y - slope_x (t - 1) remains. The wall's 90 degrees, through
+    // the literal degree constant, leave a cosine of about 5e-11: hence
+    // the looser bound.
+    for (double x : {-6.0, 0.5, 4.0}) {
+      for (double y : {-2.0, 3.0}) {
+        EXPECT_NEAR(height_under(x, y), plane_height(x, y, t) + plane_height(-x, y, t), 1e-9)
+            << x << " " << y << " at t = " << t;
+        EXPECT_NEAR(height_under(x, y), 2.0 * slope_y * y - slope_x * (t - 1.0), 1e-9);
+      }
+    }
+  }
+  // Both ends of the range doubled, however far the wall.
+  const double top = 2.0 * 5.4375 * 1.05;
+  EXPECT_NEAR(sea->length.z, 25.0 + top, 1e-12);
 }
