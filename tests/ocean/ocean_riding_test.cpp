@@ -53,7 +53,8 @@ void write_plane(const std::string& path) {
 
 // A calm sea, with the drifting plane when grid is set; its lattice
 // repeats along both axes when periodic is set, else along neither.
-std::string calm_ocean(const Scratch_folder& folder, bool grid, bool periodic, bool wall) {
+std::string calm_ocean(const Scratch_folder& folder, bool grid, bool periodic, bool wall,
+                       bool doubler) {
   std::ostringstream text;
   const int flag = periodic ? 1 : 0;
   text << "Tidecast_data_file ocean 5 5\n"
@@ -64,7 +65,7 @@ std::string calm_ocean(const Scratch_folder& folder, bool grid, bool periodic, b
        << "\ngenerate_file:  yes\nrandom_seed 5\nend\n"
           "number_aux_oceans  0\n";
   if (grid) {
-    text << "number_disturbances  " << (wall ? 2 : 1)
+    text << "number_disturbances  " << 1 + (wall ? 1 : 0) + (doubler ? 1 : 0)
          << "\n"
             "render_disturbances_interior:  black\n"
             "disturbance_type:  height_grid\n"
@@ -76,6 +77,15 @@ std::string calm_ocean(const Scratch_folder& folder, bool grid, bool periodic, b
     // A wall along the y axis.
     if (wall) {
       text << "disturbance_type:  reflect_wall\nposition_x 0\nposition_y 0\nangle 90\nend\n";
+    }
+    // A still multiplier grid of 2s, 8 by 8 nodes 1 m apart, centred on
+    // (10, -10).
+    if (doubler) {
+      text << "disturbance_type:  multiplier_grid\nn_points_x 8\nn_points_y 8\ndx 1\ndy 1\n"
+              "multiplier_detail_file: "
+           << folder.file("doubler.detail")
+           << "\nposition_x: 10\nposition_y: -10\norientation: 0\nvelocity: 0\n"
+              "direction: 0\nend\n";
     }
   } else {
     text << "number_disturbances  0\n";
@@ -89,8 +99,20 @@ std::string calm_ocean(const Scratch_folder& folder, bool grid, bool periodic, b
   return text.str();
 }
 
-void write_sea_files(const Scratch_folder& folder, bool grid, bool periodic, bool wall) {
-  put_file(folder.file("sea.ocean"), calm_ocean(folder, grid, periodic, wall));
+void write_sea_files(const Scratch_folder& folder, bool grid, bool periodic, bool wall,
+                     bool doubler) {
+  put_file(folder.file("sea.ocean"), calm_ocean(folder, grid, periodic, wall, doubler));
+  if (doubler) {
+    put_file(folder.file("doubler.detail"),
+             "Tidecast_data_file multiplier_grid 2 2\n"
+             "multiplier_file_name:  " +
+                 folder.file("doubler.hdf") +
+                 "\nperiodicity:  0 0\nnumber_of_scaling_key_times:  1\ntime  scale\n0 1\nend\n");
+    std::vector<float> twos(64, 2.0f);
+    const int dims[2] = {8, 8};
+    int first = 1;
+    EXPECT_EQ(hdf_write_plane(folder.file("doubler.hdf").c_str(), twos.data(), dims, first), 1);
+  }
   if (!grid) return;
   put_file(folder.file("plane.detail"),
            "Tidecast_data_file height_grid 2 2\n"
@@ -150,8 +172,8 @@ class Riding : public ::testing::Test {
 
   // Reads and builds the list; 1 when it all worked.
   int build(const std::string& box_at, const std::string& camera_at, bool grid = true,
-            bool periodic = true, bool wall = false) {
-    write_sea_files(folder, grid, periodic, wall);
+            bool periodic = true, bool wall = false, bool doubler = false) {
+    write_sea_files(folder, grid, periodic, wall, doubler);
     write_box_file(folder);
     write_camera_file(folder);
     std::istringstream in(riding_list(folder, box_at, camera_at));
@@ -359,4 +381,27 @@ TEST_F(Riding, WallAlongTheYAxisAddsTheMirroredGridAndDoublesTheBox) {
   // Both ends of the range doubled, however far the wall.
   const double top = 2.0 * 5.4375 * 1.05;
   EXPECT_NEAR(sea->length.z, 25.0 + top, 1e-12);
+}
+
+TEST_F(Riding, MultiplierGridScalesTheSeaUnderItAndLeavesItElsewhere) {
+  ASSERT_EQ(build(pose(2, 3, 10), pose(-1, 2, 3), true, true, false, true), 1) << printed;
+  ASSERT_EQ(sea->n_fields, 2);
+  for (double t : {1.0, 2.0}) {
+    frame(t);
+    // Within a metre and a half of (10, -10) every corner of the doubler
+    // is 2: the height grid's plane is doubled there.
+    for (double x : {8.5, 10.0, 11.25}) {
+      for (double y : {-11.5, -10.0, -8.75}) {
+        EXPECT_NEAR(height_under(x, y), 2.0 * plane_height(x, y, t), 1e-12)
+            << x << " " << y << " at t = " << t;
+      }
+    }
+    // Far from it the multiplier is 1.
+    for (double x : {-5.0, 2.0}) {
+      for (double y : {3.0, 12.0}) {
+        EXPECT_NEAR(height_under(x, y), plane_height(x, y, t), 1e-12)
+            << x << " " << y << " at t = " << t;
+      }
+    }
+  }
 }
