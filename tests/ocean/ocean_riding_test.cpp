@@ -144,10 +144,10 @@ void write_camera_file(const Scratch_folder& folder) {
            "decouple_relax_time: 2\nbase_size: 4\nend\n");
 }
 
-std::string pose(double x, double y, double z) {
+std::string pose(double x, double y, double z, double phi_degrees = 0.0) {
   std::ostringstream text;
-  text << "number_of_times 1\ntime x y z chi phi theta\n0 " << x << " " << y << " " << z
-       << " 0 0 0\n";
+  text << "number_of_times 1\ntime x y z chi phi theta\n0 " << x << " " << y << " " << z << " 0 "
+       << phi_degrees << " 0\n";
   return text.str();
 }
 
@@ -404,4 +404,22 @@ TEST_F(Riding, MultiplierGridScalesTheSeaUnderItAndLeavesItElsewhere) {
       }
     }
   }
+}
+
+TEST_F(Riding, BoxTurnedAQuarterFitsTheSlopesAlongItsOwnAxes) {
+  ASSERT_EQ(build(pose(2, 3, 0.5, 90), pose(-1, 2, 3)), 1) << printed;
+  frame(1.0);
+  // Heading 90 degrees: the box's x runs along the world's y and its y
+  // along the world's -x, so its slopes are slope_y and -slope_x; the
+  // patch is still centred on (2, 3). The degree constant leaves a cosine
+  // of about 5e-11.
+  TCVector p;
+  double chi = 0.0, phi = 0.0, theta = 0.0;
+  box->get_pose(p, chi, phi, theta);
+  EXPECT_NEAR(p.z, 0.5 + plane_height(2.0, 3.0, 1.0), 1e-9);
+  EXPECT_NEAR(p.x, 2.0 + slope_y * 0.5, 1e-9);
+  EXPECT_NEAR(p.y, 3.0 - slope_x * 0.5, 1e-9);
+  EXPECT_NEAR(chi, -std::atan(slope_y), 1e-7);
+  EXPECT_NEAR(theta, std::atan(-slope_x), 1e-7);
+  EXPECT_NEAR(phi, 1.5707963267, 1e-9);
 }
