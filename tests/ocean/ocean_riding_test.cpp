@@ -248,6 +248,13 @@ TEST_F(Riding, BoxWithinReachTakesTheMeanHeightAndTheTiltOfThePlane) {
   // and the fitted slopes are the plane's.
   const double mean = plane_height(2.0, 3.0, 1.0);
   ASSERT_DOUBLE_EQ(mean, 0.0625);
+  // The same mean taken through the sea itself, sample by sample: 4 m / 100
+  // apart on both axes.
+  double sum = 0.0;
+  for (int i = -50; i <= 50; i++) {
+    for (int j = -50; j <= 50; j++) sum += height_under(2.0 + i * 0.04, 3.0 + j * 0.04);
+  }
+  EXPECT_NEAR(sum / (101.0 * 101.0), mean, 1e-12);
   TCVector p;
   double chi = 0.0, phi = 0.0, theta = 0.0;
   box->get_pose(p, chi, phi, theta);
