@@ -704,12 +704,13 @@ int TCOcean::build_fields() {
         break;
       default: {
         // Reflecting objects, deformations, ripples, wakes and boats are read
-        // and placed, but their fields are not part of this build.
+        // and placed, but their fields are not part of this build. Nothing
+        // failed to allocate here, so the allocation line is not printed.
         const char* word = ocean_disturbance_type_word(entry.field_code);
         std::cout << "the " << (word != nullptr ? word : "unknown")
                   << " disturbance has no field class in this build"
                   << "\n";
-        break;
+        return 0;
       }
     }
     if (field == nullptr) {

@@ -402,8 +402,8 @@ TEST(OceanLight, ExactPathShowsTheBoxTheMirrorRayMeets) {
   near_down = near_down * (1.0 / std::sqrt(near_down.dot(near_down)));
   {
     Stream_capture quiet(std::cout);
-    ocean->surface_radiance(TCRay(near_camera, near_down), point, TCVector(0.0, 0.0, 1.0),
-                            spectrum, 1, mattes.data(), 0.01);
+    ocean->surface_radiance(TCRay(near_camera, near_down), point, TCVector(0.0, 0.0, 1.0), spectrum,
+                            1, mattes.data(), 0.01);
   }
   EXPECT_NEAR(mattes[5], 10.0, 1e-4);
   // Looking the other way the mirror ray misses the box.
