@@ -9,7 +9,7 @@ BENCH_BUILD ?= build-bench
 FUZZ_SECONDS ?= 60
 EXAMPLE ?= all
 
-.PHONY: demo check deps build build-sanitize test test-sanitize fuzz fuzz-build fuzz-smoke format format-check bench
+.PHONY: demo check deps build build-sanitize test test-sanitize fuzz fuzz-build fuzz-smoke format format-check bench bench-light
 
 # Builds only the engine and the viewer, renders examples/$(EXAMPLE) (every
 # example when not given) into out/<example>/ and writes PNG previews there.
@@ -55,6 +55,12 @@ bench: deps
 	cmake -S . -B $(BENCH_BUILD) -DCMAKE_BUILD_TYPE=RelWithDebInfo -DTC_BENCH=ON
 	cmake --build $(BENCH_BUILD) -j$(JOBS) --target fourt_benchmark
 	$(BENCH_BUILD)/bench/fourt_benchmark $(BENCH_ARGS)
+
+# The sea's light: table fill per level and the cost of a pixel.
+bench-light: deps
+	cmake -S . -B $(BENCH_BUILD) -DCMAKE_BUILD_TYPE=RelWithDebInfo
+	cmake --build $(BENCH_BUILD) -j$(JOBS) --target ocean_light_benchmark
+	$(BENCH_BUILD)/bench/ocean_light_benchmark $(BENCH_ARGS)
 
 format:
 	clang-format-14 -i $$(git ls-files '*.cpp' '*.h')
