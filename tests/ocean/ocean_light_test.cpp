@@ -15,6 +15,7 @@
 #include "TCObject_list.h"
 #include "TCOcean.h"
 #include "TCSolid_Box.h"
+#include "TCStar.h"
 #include "TCVector.h"
 #include "TCWave_spectrum.h"
 #include "ocean_input.h"
@@ -414,6 +415,112 @@ TEST(OceanLight, ExactPathShowsTheBoxTheMirrorRayMeets) {
                             spectrum, 1, mattes.data(), 0.01);
   }
   EXPECT_EQ(mattes[5], 0.0f);
+}
+
+}  // namespace
+
+namespace {
+
+// A sea with a wall along the x axis: water at y > 0 lies behind it.
+std::string walled_ocean(const std::string& interior) {
+  return replaced(light_ocean("1.34", 1, "glitter:  no\n"), "number_disturbances  0\n",
+                  "number_disturbances  1\nrender_disturbances_interior:  " + interior +
+                      "\ndisturbance_type:  reflect_wall\nposition_x 0\nposition_y 0\nangle 0\n"
+                      "end\n");
+}
+
+// Radiance at a box-frame point with a normal, by the tables.
+double water_light(TCOcean& ocean, double y, const TCVector& normal) {
+  TCSpectrum spectrum(1);
+  Stream_capture quiet(std::cout);
+  ocean.surface_radiance(
+      TCRay(TCVector(0.0, y - 10.0, 10.0), TCVector(0.0, 1.0, -1.0) * (1.0 / std::sqrt(2.0))),
+      TCVector(0.0, y, ocean.ocean_grid->z_offset), normal, spectrum, 1, nullptr, 0.5);
+  return spectrum.radiance_in_band[0];
+}
+
+TEST(OceanLight, WaterBehindAWallFollowsTheInteriorWord) {
+  const TCVector tilted = TCVector(0.2, -0.3, 1.0) * (1.0 / std::sqrt(1.13));
+  const TCVector flat(0.0, 0.0, 1.0);
+  for (const char* word : {"black", "flat", "natural"}) {
+    LightSea sea(walled_ocean(word));
+    ASSERT_EQ(sea.built, 1) << sea.printed;
+    TCOcean& ocean = *sea.ocean;
+    ASSERT_EQ(ocean.n_walls, 1);
+    ocean.external_exact = 0;  // tables alone: the light does not depend on where
+    for (int i = 0; i < 201; i++) ocean.external_radiance_mean[i] = 1.0 + i * 0.01;
+    ocean.upwelling[0] = 0.05;
+    const double front_tilted = water_light(ocean, -5.0, tilted);
+    const double front_flat = water_light(ocean, -5.0, flat);
+    ASSERT_NE(front_tilted, front_flat);
+    const double behind = water_light(ocean, 5.0, tilted);
+    if (std::string(word) == "black") {
+      EXPECT_EQ(behind, 0.0);
+    } else if (std::string(word) == "flat") {
+      EXPECT_EQ(behind, front_flat);
+    } else {
+      EXPECT_EQ(behind, front_tilted);
+    }
+  }
+}
+
+}  // namespace
+
+namespace {
+
+// Exact glint asks the scene how much sun reaches the water: a box
+// overhead takes it all.
+TEST(OceanLight, ExactGlintTakesTheSunThatReachesTheWater) {
+  for (int shaded = 0; shaded < 2; shaded++) {
+    LightSea sea(replaced(light_ocean("1.34", 1, "glitter:  exact\n"), "wind_velocity:  6",
+                          "wind_velocity:  3"));
+    ASSERT_EQ(sea.built, 1) << sea.printed;
+    ASSERT_EQ(sea.ocean->glitter_mode, 202);
+    TCObject_list list;
+    TCBand band;
+    band.band_id = 1;
+    band.center_wavelength = 0.55;
+    band.width = 0.1;
+    ASSERT_EQ(list.set_bands(1, &band), 1);
+    TCOcean* ocean = sea.ocean;
+    sea.ocean = nullptr;
+    ASSERT_EQ(list.add_runtime_object(ocean), 1);
+    list.sun = new TCStar();
+    list.sun->irradiance.band_id[0] = 1;
+    list.sun->irradiance.radiance_in_band[0] = 800.0;
+    list.sun->set_angles(3.1415926535, 0.0);  // overhead
+    if (shaded) {
+      TCSolid_Box* roof = new_solid_box(TCVector(10.0, 10.0, 1.0), 0.0);
+      roof->set_position(TCVector(0.0, 0.0, 30.0), 0.0, 0.0, 0.0);
+      ASSERT_EQ(list.add_runtime_object(roof), 1);
+    }
+    {
+      Working_folder here(sea.folder.file(""));
+      Stream_capture quiet(std::cout);
+      ocean->update_to_time(0.0);
+      ocean->prepare_frame();
+    }
+    ASSERT_GT(ocean->sun_direction_local.z, 0.99);
+    ocean->external_exact = 0;
+    TCVector point;
+    ocean->point_to_box(TCVector(0.0, 0.0, 0.0), point);
+    TCSpectrum spectrum(1);
+    std::vector<float> mattes(40, 0.0f);
+    const TCVector down = TCVector(0.01, 0.0, -1.0) * (1.0 / std::sqrt(1.0001));
+    {
+      Stream_capture quiet(std::cout);
+      ocean->surface_radiance(TCRay(TCVector(-0.2, 0.0, 20.0), down), point,
+                              TCVector(0.0, 0.0, 1.0), spectrum, 1, mattes.data(), 0.5);
+    }
+    double plain[1];
+    ocean->glitter_intensity(0.0, 0.0, down, plain, 1);
+    ASSERT_GT(plain[0], 1e-3);
+    if (shaded) {
+      EXPECT_EQ(mattes[12], 0.0f);
+    } else {
+      EXPECT_NEAR(mattes[12], plain[0] * 800.0, 1e-5 * plain[0] * 800.0);
+    }
+  }
 }
 
 }  // namespace
