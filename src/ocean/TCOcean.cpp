@@ -171,6 +171,8 @@ TCOcean::TCOcean(const ocean_input& input)
     m_first[side] = m_last[side] = m_step[side] = m_inverse[side] = 0.0;
   }
   for (int i = 0; i < normal_points; i++) normal_table[i] = 0.0f;
+  for (int a = 0; a < 71; a++) gauss_u[a] = 0.0;
+  for (int b = 0; b < 31; b++) gauss_v[b] = 0.0;
   wind_file[0] = '\0';
   std::memset(&primary, 0, sizeof(Field_entry));
   for (int i = 0; i < most_fields; i++) {

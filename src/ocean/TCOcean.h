@@ -219,6 +219,11 @@ class TCOcean : public TCSurface_object {
   double s_first, s_last, s_step, s_inverse;
   double m_first[2], m_last[2], m_step[2], m_inverse[2];
   float normal_table[normal_points];  // standard normal CDF at -4 + i / 100
+  // The Gaussian weights of the unresolved slopes' grid, exp(-u^2 / 2) at
+  // u = -3 + 0.1 i and exp(-v^2 / 2) at v = -3 + 0.2 j: the same for every
+  // cell of every table.
+  double gauss_u[71];
+  double gauss_v[31];
   int interior_mode;                  // 0 black, 1 flat, 2 natural
   int exclude_mask;                   // 1 glitter, 2 textures, 4 whitecaps
   int reflection_level;

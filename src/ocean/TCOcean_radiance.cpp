@@ -99,6 +99,14 @@ int TCOcean::allocate_light() {
           fresnel_reflectance(std::acos(c), c > 0.0 ? 1.0 / n : n);
     }
   }
+  for (int a = 0; a < 71; a++) {
+    const double u = -3.0 + a * 0.1;
+    gauss_u[a] = std::exp(-u * u / 2.0);
+  }
+  for (int b = 0; b < 31; b++) {
+    const double v = -3.0 + b * 0.2;
+    gauss_v[b] = std::exp(-v * v / 2.0);
+  }
   for (int i = 0; i < normal_points; i++) {
     const double z = -4.0 + i / 100.0;
     normal_table[i] = static_cast<float>(0.5 * std::erfc(-z / std::sqrt(2.0)));
@@ -321,11 +329,11 @@ double TCOcean::facet_radiance(int band, double c, double s, double m, int side,
     const double u = -3.0 + a * 0.1;
     const double p = u * g + p0;
     if (!(1.0 + T * p > 0.0)) continue;
-    const double along = (1.0 + T * p) * std::exp(-u * u / 2.0);
+    const double along = (1.0 + T * p) * gauss_u[a];
     for (int b = 0; b < 31; b++) {
       const double v = -3.0 + b * 0.2;
       const double q = v * g + q0;
-      const double weight = along * std::exp(-v * v / 2.0);
+      const double weight = along * gauss_v[b];
       const double S = p * p + q * q;
       const double k = (p * w + m) / std::sqrt(S + 1.0);
       if (reflection) {
