@@ -224,8 +224,8 @@ class TCOcean : public TCSurface_object {
   // cell of every table.
   double gauss_u[71];
   double gauss_v[31];
-  int interior_mode;                  // 0 black, 1 flat, 2 natural
-  int exclude_mask;                   // 1 glitter, 2 textures, 4 whitecaps
+  int interior_mode;  // 0 black, 1 flat, 2 natural
+  int exclude_mask;   // 1 glitter, 2 textures, 4 whitecaps
   int reflection_level;
   // Per band scratch of a pixel's light: none of it outlives the pixel.
   double* work_reflectance;
