@@ -145,6 +145,7 @@ class TCObject_list : public TCScene_tracer {
   int band_count() const override;
   const TCBand* band_table() const override;
   const TCStar* star() const override;
+  int frame_number() const override { return current_frame; }
   int sun_irradiance_at(const TCVector& point, TCSpectrum& out, int excluded_id) override;
   int object_count() const override;
   const char* object_name(int index) const override;

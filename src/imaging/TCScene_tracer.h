@@ -26,6 +26,9 @@ class TCScene_tracer {
   virtual int band_count() const = 0;
   virtual const TCBand* band_table() const = 0;
 
+  // The scene's frame being made, for objects that take a file per frame.
+  virtual int frame_number() const = 0;
+
   // The scene's sun, or null.
   virtual const TCStar* star() const = 0;
   // The sun's irradiance reaching point in each band of out, after

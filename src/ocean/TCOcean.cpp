@@ -20,6 +20,7 @@
 #include "TCScene_tracer.h"
 #include "TCSettings.h"
 #include "TCSwell_spectrum.h"
+#include "TCTexture_plane.h"
 #include "TCWave_spectrum.h"
 #include "TCWind_wave_spectrum.h"
 #include "Wake_details_input.h"
@@ -164,6 +165,15 @@ TCOcean::TCOcean(const ocean_input& input)
       work_matte(nullptr),
       work_reflected(nullptr),
       work_refracted(nullptr),
+      work_texture(nullptr),
+      work_texture_out(nullptr),
+      texture_list(nullptr),
+      texture_planes(nullptr),
+      n_texture_planes(0),
+      texture_centre(nullptr),
+      pixel_n(0),
+      pixel_xs(nullptr),
+      pixel_ys(nullptr),
       glitter_done(nullptr) {
   for (int side = 0; side < 2; side++) {
     radiance_table[side] = nullptr;
@@ -226,6 +236,11 @@ TCOcean::~TCOcean() {
   delete[] work_matte;
   delete[] work_reflected;
   delete[] work_refracted;
+  delete[] work_texture;
+  delete[] work_texture_out;
+  for (int i = 0; i < n_texture_planes && texture_planes != nullptr; i++) delete texture_planes[i];
+  delete[] texture_planes;
+  delete[] texture_centre;
   delete[] glitter_done;
   delete reflected_contour;
   delete refracted_contour;
@@ -413,6 +428,10 @@ int TCOcean::construct(const ocean_input& input) {
 
   // 13. Table storage.
   allocate_surface_arrays();
+  if (!build_textures(input)) {
+    std::cout << "Error allocating texture memory\n";
+    return 0;
+  }
   if (!allocate_tables() || !allocate_light()) {
     std::cout << "unable to allocate ocean radiance tables "
               << "\n";
@@ -792,6 +811,7 @@ void TCOcean::update_to_time(double t) {
   const double top = high > -low ? high : -low;
   TCObject::set_time(t);
   set_box_top(top * 1.05);
+  update_textures(t, scene != nullptr ? scene->frame_number() : 0);
   // Whitecaps would follow here, at their own time step.
   current_time = t;
 }

@@ -10,6 +10,8 @@ class TCDisturbed_grid;
 class TCGrid_details_input;
 class TCSurface_field;
 class TCWave_spectrum;
+class TCTexture_plane;
+class TCOcean_textures_input;
 class object_contour;
 class ocean_input;
 
@@ -119,6 +121,16 @@ class TCOcean : public TCSurface_object {
   double glitter_normaliser(double T, double pu, double sigma) const;
   // Sky table, water terms and the empty levels, for a new sun or sky.
   void update_light();
+  // The surface points (object frame x, y in metres) of the pixel piece
+  // the next surface_radiance call shades, for the textures on the water;
+  // none: the shaded point alone. The arrays must outlive that call.
+  void set_pixel_polygon(int n, const double* xs, const double* ys);
+  // Textures drift and change picture with the frame.
+  void update_textures(double t, int frame);
+  // Blends the textures on the water into total (per band), from side,
+  // with reflectance per band; texture_out gets what they added.
+  void apply_textures(const TCVector& point, int side, double footprint, const double* reflectance,
+                      double* total, double* texture_out);
 
   // The sea's parameters on the log.
   void print_parameters(std::ostream& out) const;
@@ -234,6 +246,19 @@ class TCOcean : public TCSurface_object {
   double* work_matte;
   double* work_reflected;
   double* work_refracted;
+  double* work_texture;      // a texture's colour, its bands and opacity
+  double* work_texture_out;  // per band, what the textures added
+
+  // Textures laid on the water, in the order of the texture block.
+  const TCOcean_textures_input* texture_list;
+  TCTexture_plane** texture_planes;  // owned
+  int n_texture_planes;
+  double* texture_centre;  // per texture, x and y now (metres, object frame)
+  int pixel_n;
+  const double* pixel_xs;
+  const double* pixel_ys;
+  double texture_x[most_texture_points];
+  double texture_y[most_texture_points];
   int* glitter_done;
 
  private:
@@ -241,6 +266,7 @@ class TCOcean : public TCSurface_object {
   int take_bands(const ocean_input& input);
   int allocate_tables();
   int allocate_light();
+  int build_textures(const ocean_input& input);
   void set_s_axis();
   long table_cells(int side) const;
   float* level_table(float* const* tables, int side, int level) const;

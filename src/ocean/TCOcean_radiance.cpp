@@ -75,11 +75,12 @@ int TCOcean::allocate_light() {
   work_matte = new (std::nothrow) double[bands]();
   work_reflected = new (std::nothrow) double[bands]();
   work_refracted = new (std::nothrow) double[bands]();
+  work_texture_out = new (std::nothrow) double[bands]();
   glitter_done = new (std::nothrow) int[bands]();
   if (fresnel_table == nullptr || irradiance_above == nullptr || irradiance_saved == nullptr ||
       upwelling == nullptr || work_reflectance == nullptr || work_glitter == nullptr ||
       work_table == nullptr || work_matte == nullptr || work_reflected == nullptr ||
-      work_refracted == nullptr || glitter_done == nullptr)
+      work_refracted == nullptr || work_texture_out == nullptr || glitter_done == nullptr)
     return 0;
   for (int side = 0; side < 2; side++) {
     const long cells = table_cells(side) * n_levels;
@@ -628,7 +629,7 @@ void TCOcean::surface_radiance(const TCRay& ray, const TCVector& point, const TC
   } else {
     for (int band = 0; band < n_bands; band++) total[band] = 0.0;
   }
-  if (matte_values != nullptr) {
+  if (matte_values != nullptr || texture_list != nullptr) {
     // The view from above meets the water from the air side.
     if (keep_reflection_table) {
       reflection_lookup(c, m, s, table_reflectance, side);
@@ -738,6 +739,12 @@ void TCOcean::surface_radiance(const TCRay& ray, const TCVector& point, const TC
       for (int band = 0; band < n_bands; band++) total[band] += glitter[band];
     }
   }
+  // Whitecaps would blend in here, once the sea has them.
+  double* texture_out = work_texture_out;
+  for (int band = 0; band < n_bands; band++) texture_out[band] = 0.0;
+  if (texture_list != nullptr && !(exclude_mask & 2))
+    apply_textures(point, side, footprint, table_reflectance, total, texture_out);
+  pixel_n = 0;
   for (int b = 0; b < spectrum.n; b++) {
     const int band = object_spectrum->index_of(spectrum.band_id[b]);
     spectrum.radiance_in_band[b] = band >= 0 ? total[band] : 0.0;
@@ -750,6 +757,7 @@ void TCOcean::surface_radiance(const TCRay& ray, const TCVector& point, const TC
       matte_values[n_bands * 5 + band] = static_cast<float>(reflected[band]);
       matte_values[n_bands * 6 + band] = static_cast<float>(refracted[band]);
       matte_values[n_bands * 12 + band] = static_cast<float>(glitter[band]);
+      matte_values[n_bands * 17 + band] = static_cast<float>(texture_out[band]);
     }
   }
 }

@@ -63,6 +63,7 @@ class Fake_tracer : public TCScene_tracer {
   int object_kind(int) const override { return -1; }
   int object_position(int, TCVector&) const override { return 0; }
   int air_radiance(const TCRay&, TCSpectrum&) override { return 0; }
+  int frame_number() const override { return 0; }
   void image_scene_secondary(int*, TCView&, TCSpectrum*, float**, double, object_contour*,
                              int) override {}
   int surface_height_under(int, const TCVector&, double&, double&) const override { return 0; }

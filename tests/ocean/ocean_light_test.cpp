@@ -14,8 +14,10 @@
 #include "TCBand.h"
 #include "TCObject_list.h"
 #include "TCOcean.h"
+#include "TCSgi_image.h"
 #include "TCSolid_Box.h"
 #include "TCStar.h"
+#include "TCTexture_plane.h"
 #include "TCVector.h"
 #include "TCWave_spectrum.h"
 #include "ocean_input.h"
@@ -54,8 +56,12 @@ std::string light_ocean(const std::string& indices, int bands, const std::string
 
 class LightSea {
  public:
-  LightSea(const std::string& text) {
+  explicit LightSea(const std::string& text, int build_now = 1) {
     put_file(folder.file("sea.ocean"), text);
+    if (build_now) build();
+  }
+  // Reads and builds the sea of the folder's sea.ocean.
+  void build() {
     Working_folder here(folder.file(""));
     Stream_capture quiet(std::cout);
     read = input.read_file("sea.ocean");
@@ -521,6 +527,120 @@ TEST(OceanLight, ExactGlintTakesTheSunThatReachesTheWater) {
       EXPECT_NEAR(mattes[12], plain[0] * 800.0, 1e-5 * plain[0] * 800.0);
     }
   }
+}
+
+}  // namespace
+
+namespace {
+
+// A sea with one 8 m square picture on it, drifting at 2 m/s along x from
+// time 0, drawn above the water with the reflection flag given.
+std::string painted_ocean(int reflection_flag) {
+  const std::string block =
+      "texture_maps:  yes\nTidecast_data_file texture 2 2\nsurface_type: ocean\n"
+      "number_of_textures: 1\nCenter: 0 0\nOrientation: 0\nDimensions: 8 8\nMakePeridoic: 0\n"
+      "AnimationFlag: 1\nV_x: 2 V_y: 0 t_o: 0\nNewPictureFlag: 0\nPictureFile: paint.rgb\n"
+      "Priority: 1\nPicture_bands: 1\nimage_above: yes\nreflection_flag: " +
+      std::to_string(reflection_flag) +
+      "\nalpha_flag: 0\nmin_radiance 0\nmax_radiance: 255\nimage_below: no\nendTexture\n";
+  return replaced(light_ocean("1.34", 1, "glitter:  no\n"), "texture_maps:  no\n", block);
+}
+
+TEST(OceanLight, TexturesOnTheWaterBlendByTheirMode) {
+  for (int flag = 0; flag < 3; flag++) {
+    std::vector<float> bytes(16, 100.0f);
+    const int dims[2] = {4, 4};
+    // The picture must be there before the sea is built.
+    LightSea* sea = new LightSea(painted_ocean(flag), 0);
+    ASSERT_EQ(rgb_open(sea->folder.file("paint.rgb").c_str(), dims, 1), 1);
+    ASSERT_EQ(
+        rgb_write_plane(sea->folder.file("paint.rgb").c_str(), 0, bytes.data(), dims, 0.0, 255.0),
+        1);
+    sea->build();
+    ASSERT_EQ(sea->built, 1) << sea->printed;
+    TCOcean& ocean = *sea->ocean;
+    ASSERT_EQ(ocean.n_texture_planes, 1);
+    for (int i = 0; i < 201; i++) ocean.external_radiance_mean[i] = 1.0 + i * 0.01;
+    ocean.upwelling[0] = 0.05;
+    ocean.external_exact = 0;
+    ocean.update_textures(0.0, 1);
+    const TCVector normal(0.0, 0.0, 1.0);
+    const TCRay ray(TCVector(0.0, -10.0, 10.0), TCVector(0.0, 1.0, -1.0) * (1.0 / std::sqrt(2.0)));
+    TCSpectrum spectrum(1);
+    std::vector<float> mattes(40, 0.0f);
+    double colour[1];
+    ocean.texture_planes[0]->sample_point(colour, 1.0, 1.0, 0.5, 1);
+    ASSERT_GT(colour[0], 50.0);
+    {
+      Stream_capture quiet(std::cout);
+      ocean.surface_radiance(ray, TCVector(1.0, 1.0, 0.0), normal, spectrum, 1, mattes.data(), 0.5);
+    }
+    const double total = mattes[0], added = mattes[17], R = mattes[3];
+    const double before = total - added;
+    ASSERT_GT(before, 0.0);
+    double expected = 0.0;
+    if (flag == 0) expected = colour[0];
+    if (flag == 1) expected = R * before + colour[0];
+    if (flag == 2) expected = R * before + (1.0 - R) * colour[0];
+    EXPECT_NEAR(total, expected, 1e-4 * expected) << "reflection flag " << flag;
+    EXPECT_NEAR(spectrum.radiance_in_band[0], total, 1e-4 * total);
+    // Beyond the picture's edge, nothing of it.
+    {
+      Stream_capture quiet(std::cout);
+      ocean.surface_radiance(ray, TCVector(5.0, 1.0, 0.0), normal, spectrum, 1, mattes.data(), 0.5);
+    }
+    EXPECT_EQ(mattes[17], 0.0f);
+    // Five seconds on it has drifted 10 m along x and covers x = 10.
+    ocean.update_textures(5.0, 2);
+    {
+      Stream_capture quiet(std::cout);
+      ocean.surface_radiance(ray, TCVector(10.0, 1.0, 0.0), normal, spectrum, 1, mattes.data(),
+                             0.5);
+    }
+    EXPECT_NE(mattes[17], 0.0f);
+    {
+      Stream_capture quiet(std::cout);
+      ocean.surface_radiance(ray, TCVector(1.0, 1.0, 0.0), normal, spectrum, 1, mattes.data(), 0.5);
+    }
+    EXPECT_EQ(mattes[17], 0.0f);
+    delete sea;
+  }
+}
+
+}  // namespace
+
+namespace {
+
+TEST(OceanLight, ATextureTakesThePictureOfEachFrame) {
+  std::string text = replaced(painted_ocean(0), "NewPictureFlag: 0\n",
+                              "NewPictureFlag: 1\nBaseFileName: frames\n");
+  LightSea sea(text, 0);
+  const int dims[2] = {4, 4};
+  const char* names[3] = {"paint.rgb", "frames.0001.rgb", "frames.0002.rgb"};
+  const float values[3] = {100.0f, 150.0f, 200.0f};
+  for (int k = 0; k < 3; k++) {
+    std::vector<float> bytes(16, values[k]);
+    ASSERT_EQ(rgb_open(sea.folder.file(names[k]).c_str(), dims, 1), 1);
+    ASSERT_EQ(rgb_write_plane(sea.folder.file(names[k]).c_str(), 0, bytes.data(), dims, 0.0, 255.0),
+              1);
+  }
+  sea.build();
+  ASSERT_EQ(sea.built, 1) << sea.printed;
+  TCOcean& ocean = *sea.ocean;
+  Working_folder here(sea.folder.file(""));
+  double colour[1];
+  for (int frame = 1; frame <= 2; frame++) {
+    Stream_capture quiet(std::cout);
+    ocean.update_textures(0.0, frame);
+    ocean.texture_planes[0]->sample_point(colour, 0.0, 0.0, 0.5, 1);
+    EXPECT_NEAR(colour[0], values[frame], 1.0) << frame;
+  }
+  // No picture for frame 3: the last one stays, with a warning.
+  Stream_capture out(std::cout);
+  ocean.update_textures(0.0, 3);
+  EXPECT_NE(out.text().find("Error updating texture\n"), std::string::npos) << out.text();
+  ocean.texture_planes[0]->sample_point(colour, 0.0, 0.0, 0.5, 1);
+  EXPECT_NEAR(colour[0], 200.0, 1.0);
 }
 
 }  // namespace

@@ -34,6 +34,7 @@ class Heights_scene : public TCScene_tracer {
   }
   int surface_height_under(int, const TCVector&, double&, double&) const override { return 0; }
   int air_radiance(const TCRay&, TCSpectrum&) override { return 0; }
+  int frame_number() const override { return 0; }
   void image_scene_secondary(int*, TCView&, TCSpectrum*, float**, double, object_contour*,
                              int) override {}
   int find_by_name(const char*, int& index) const override {
