@@ -26,6 +26,7 @@
 #include "TCTexture_plane.h"
 #include "TCTexture_plane_input.h"
 #include "TCVector.h"
+#include "quiet_scene_tracer.h"
 #include "stream_capture.h"
 #include "surface_test_objects.h"
 #include "texture_test_pictures.h"
@@ -348,35 +349,10 @@ TEST(SurfaceObject, AllocatingArraysSetsTheTableAxes) {
 }
 
 // A scene that has nothing but a sun, or none.
-class Sun_only_tracer : public TCScene_tracer {
+class Sun_only_tracer : public Quiet_scene_tracer {
  public:
   explicit Sun_only_tracer(const TCStar* sun_in) : sun(sun_in) {}
-  int band_count() const override { return 0; }
-  const TCBand* band_table() const override { return nullptr; }
   const TCStar* star() const override { return sun; }
-  int sun_irradiance_at(const TCVector&, TCSpectrum&, int) override { return 0; }
-  int object_count() const override { return 0; }
-  const char* object_name(int) const override { return nullptr; }
-  int object_kind(int) const override { return -1; }
-  int object_position(int, TCVector&) const override { return 0; }
-  int air_radiance(const TCRay&, TCSpectrum&) override { return 0; }
-  int frame_number() const override { return 0; }
-  void image_scene_secondary(int*, TCView&, TCSpectrum*, float**, double, object_contour*,
-                             int) override {}
-  int surface_height_under(int, const TCVector&, double&, double&) const override { return 0; }
-  int find_by_name(const char*, int& index) const override {
-    index = -1;
-    return 0;
-  }
-  int nearest_except(int, const TCRay&, TCVector&) override { return 0; }
-  int nearest_active(const int*, const TCRay&, TCVector&) override { return 0; }
-  void radiance_from(int, int, const TCRay&, TCSpectrum&) override {}
-  void image_contour_for_source(int, TCView&, object_contour&) override {}
-  void image_scene(int*, TCView&, TCSpectrum*, float**, double, object_contour*, int) override {}
-  void image_scene_for_source(int, TCView&, TCSpectrum*, float**, double,
-                              object_contour*) override {}
-  void image_surface_line(int*, TCView&, TCSpectrum*, float**, double, object_contour*,
-                          int) override {}
 
  private:
   const TCStar* sun;

@@ -10,20 +10,17 @@
 #include "TCVector.h"
 #include "ocean_input.h"
 #include "ocean_object_records.h"
+#include "quiet_scene_tracer.h"
 #include "scratch_folder.h"
 
 namespace {
 
 // A scene of objects of one kind (7 is the air) at given heights, and no
 // sun.
-class Heights_scene : public TCScene_tracer {
+class Heights_scene : public Quiet_scene_tracer {
  public:
   explicit Heights_scene(const std::vector<double>& z, int kind_in = 1)
       : heights(z), kind(kind_in) {}
-  int band_count() const override { return 0; }
-  const TCBand* band_table() const override { return nullptr; }
-  const TCStar* star() const override { return nullptr; }
-  int sun_irradiance_at(const TCVector&, TCSpectrum&, int) override { return 0; }
   int object_count() const override { return static_cast<int>(heights.size()); }
   const char* object_name(int) const override { return "thing"; }
   int object_kind(int) const override { return kind; }
@@ -32,24 +29,6 @@ class Heights_scene : public TCScene_tracer {
     out = TCVector(5.0, -3.0, heights[index]);
     return 1;
   }
-  int surface_height_under(int, const TCVector&, double&, double&) const override { return 0; }
-  int air_radiance(const TCRay&, TCSpectrum&) override { return 0; }
-  int frame_number() const override { return 0; }
-  void image_scene_secondary(int*, TCView&, TCSpectrum*, float**, double, object_contour*,
-                             int) override {}
-  int find_by_name(const char*, int& index) const override {
-    index = -1;
-    return 0;
-  }
-  int nearest_except(int, const TCRay&, TCVector&) override { return 0; }
-  int nearest_active(const int*, const TCRay&, TCVector&) override { return 0; }
-  void radiance_from(int, int, const TCRay&, TCSpectrum&) override {}
-  void image_contour_for_source(int, TCView&, object_contour&) override {}
-  void image_scene(int*, TCView&, TCSpectrum*, float**, double, object_contour*, int) override {}
-  void image_scene_for_source(int, TCView&, TCSpectrum*, float**, double,
-                              object_contour*) override {}
-  void image_surface_line(int*, TCView&, TCSpectrum*, float**, double, object_contour*,
-                          int) override {}
 
   std::vector<double> heights;
   int kind;  // of every object
