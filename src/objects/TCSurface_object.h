@@ -7,7 +7,18 @@
 #include "TCVector.h"
 #include "box_class.h"
 
+class TCPolygon;
 class TCScene_tracer;
+class TCView;
+class object_contour;
+
+// A corner of a triangle of the surface on the image: its image position
+// (x along the columns, y along the rows, in pixels) and where it stands on
+// the lattice (metres from node (0, 0)).
+struct TCSurface_vertex {
+  double x, y;
+  double u, v;
+};
 class TCTexture_plane;
 class surface_object_input;
 
@@ -60,6 +71,14 @@ class TCSurface_object : public box_class {
   virtual void surface_radiance(const TCRay& ray, const TCVector& point, const TCVector& normal,
                                 TCSpectrum& spectrum, int side, float* matte_values,
                                 double footprint);
+  // Shades a triangle of the surface into the contour, pixel by pixel:
+  // each pixel's piece of the visible polygon (image coordinates, the
+  // triangle's part that shows) gives the coverage, its corners the depth
+  // range, its centroid the surface point that is shaded. view is the
+  // camera's, in the world frame; side 1 from above the water, -1 below.
+  virtual void image_triangle(TCView& view, object_contour& contour,
+                              const TCSurface_vertex triangle[3], const TCPolygon& visible,
+                              int side);
   // Unresolved slopes for a footprint of scale lattice cells. Nothing here.
   virtual void set_footprint(double scale);
   virtual void set_reflection_footprint(double scale);
@@ -94,6 +113,10 @@ class TCSurface_object : public box_class {
   // directions; no sun gives zero irradiance, straight down and the
   // out-of-range zenith.
   void update_sun(const TCScene_tracer* tracer);
+
+  // The piece of water a pixel covers, handed to the light before it is
+  // asked: object frame x, y of the piece's corners. Nothing here.
+  virtual void set_pixel_polygon(int n, const double* xs, const double* ys);
 
   // World ray into the box frame.
   void ray_to_box(const TCRay& world_ray, TCRay& out) const;

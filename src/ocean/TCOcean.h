@@ -124,7 +124,7 @@ class TCOcean : public TCSurface_object {
   // The surface points (object frame x, y in metres) of the pixel piece
   // the next surface_radiance call shades, for the textures on the water;
   // none: the shaded point alone. The arrays must outlive that call.
-  void set_pixel_polygon(int n, const double* xs, const double* ys);
+  void set_pixel_polygon(int n, const double* xs, const double* ys) override;
   // Textures drift and change picture with the frame.
   void update_textures(double t, int frame);
   // Blends the textures on the water into total (per band), from side,

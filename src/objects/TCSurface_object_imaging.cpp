@@ -1,0 +1,119 @@
+// Shading the surface's triangles on the image: each pixel takes the piece of
+// the triangle's visible part that falls in it, with exact coverage.
+#include <cmath>
+
+#include "TCPolygon.h"
+#include "TCSurface_object.h"
+#include "TCView.h"
+#include "object_contour.h"
+
+namespace {
+
+// Heights this far below the mean stand for "no surface here" (off a lattice
+// that does not repeat).
+const double no_surface = -1.0e7;
+
+// Barycentric weights of image point (x, y) in the triangle; 0 for a
+// triangle of no area.
+int weights_of(const TCSurface_vertex t[3], double x, double y, double w[3]) {
+  const double d = (t[1].y - t[2].y) * (t[0].x - t[2].x) + (t[2].x - t[1].x) * (t[0].y - t[2].y);
+  if (d == 0.0) return 0;
+  w[0] = ((t[1].y - t[2].y) * (x - t[2].x) + (t[2].x - t[1].x) * (y - t[2].y)) / d;
+  w[1] = ((t[2].y - t[0].y) * (x - t[2].x) + (t[0].x - t[2].x) * (y - t[2].y)) / d;
+  w[2] = 1.0 - w[0] - w[1];
+  return 1;
+}
+
+}  // namespace
+
+void TCSurface_object::set_pixel_polygon(int, const double*, const double*) {}
+
+void TCSurface_object::image_triangle(TCView& view, object_contour& contour,
+                                      const TCSurface_vertex triangle[3], const TCPolygon& visible,
+                                      int side) {
+  if (lattice == nullptr || contour.spectrum == nullptr || visible.size() < 3) return;
+  double x0, x1, y0, y1;
+  visible.bounds(x0, x1, y0, y1);
+  if (x1 < 0.0 || y1 < 0.0 || x0 >= view.n_cols || y0 >= view.n_rows) return;
+  const int col0 = x0 < 0.0 ? 0 : static_cast<int>(std::floor(x0));
+  const int row0 = y0 < 0.0 ? 0 : static_cast<int>(std::floor(y0));
+  const int col1 = x1 >= view.n_cols ? view.n_cols - 1 : static_cast<int>(std::floor(x1));
+  const int row1 = y1 >= view.n_rows ? view.n_rows - 1 : static_cast<int>(std::floor(y1));
+  TCVector camera;
+  point_to_object(view.position, camera);
+  const double pixel_width = (view.last_azimuth - view.first_azimuth) / view.n_cols;
+  const double pixel_height = (view.last_elevation - view.first_elevation) / view.n_rows;
+  TCSpectrum& spectrum = *contour.spectrum;
+  double* sample = new double[spectrum.n > 0 ? spectrum.n : 1];
+  TCPolygon piece;
+  double xs[64], ys[64];
+  for (int row = row0; row <= row1; row++) {
+    for (int col = col0; col <= col1; col++) {
+      visible.clip_to_rectangle(col, col + 1.0, row, row + 1.0, piece);
+      if (piece.size() < 3) continue;
+      const double area = piece.area();
+      if (!(area > 0.0)) continue;
+      // The surface under each corner of the piece: nearest and farthest.
+      double nearest = 0.0, farthest = 0.0;
+      int found = 0, lost = 0;
+      const int corners = piece.size() < 64 ? piece.size() : 64;
+      for (int k = 0; k < corners && !lost; k++) {
+        double w[3];
+        if (!weights_of(triangle, piece.x[k], piece.y[k], w)) {
+          lost = 1;
+          break;
+        }
+        const double u = w[0] * triangle[0].u + w[1] * triangle[1].u + w[2] * triangle[2].u;
+        const double v = w[0] * triangle[0].v + w[1] * triangle[1].v + w[2] * triangle[2].v;
+        double x = 0.0, y = 0.0;
+        lattice->lattice_to_world(u, v, x, y);
+        const double z = lattice->height_at(x, y, 0) - lattice->z_offset;
+        if (z < no_surface) {
+          lost = 1;
+          break;
+        }
+        const TCVector gap = TCVector(x, y, z) - camera;
+        const double range = gap.dot(gap);
+        if (!found || range < nearest) nearest = range;
+        if (!found || range > farthest) farthest = range;
+        found = 1;
+        xs[k] = x;
+        ys[k] = y;
+      }
+      if (lost || !found) continue;
+      double cx = 0.0, cy = 0.0;
+      piece.centroid(cx, cy);
+      double w[3];
+      if (!weights_of(triangle, cx, cy, w)) continue;
+      const double u = w[0] * triangle[0].u + w[1] * triangle[1].u + w[2] * triangle[2].u;
+      const double v = w[0] * triangle[0].v + w[1] * triangle[1].v + w[2] * triangle[2].v;
+      double x = 0.0, y = 0.0;
+      lattice->lattice_to_world(u, v, x, y);
+      const double z = lattice->height_at(x, y, 0) - lattice->z_offset;
+      if (z < no_surface) continue;
+      const TCVector point(x, y, z);
+      const TCVector gap = point - camera;
+      const double centre_range = gap.dot(gap);
+      const double near = std::sqrt(nearest), far = std::sqrt(farthest);
+      const double distance = std::sqrt(centre_range);
+      if (!contour.pixel_wanted(row, col, near, far)) continue;
+      TCVector normal;
+      lattice->normal_at(x, y, normal);
+      TCVector world_point;
+      point_to_world(point, world_point);
+      TCVector direction = world_point - view.position;
+      const double length = std::sqrt(direction.dot(direction));
+      if (!(length > 0.0)) continue;
+      direction = direction * (1.0 / length);
+      const double footprint = distance * (pixel_width + pixel_height) * 0.25;
+      set_pixel_polygon(corners, xs, ys);
+      TCVector in_box = point - box_centre;
+      in_box.z += lattice->z_offset;
+      surface_radiance(TCRay(view.position, direction), in_box, normal, spectrum, side, nullptr,
+                       footprint);
+      for (int b = 0; b < spectrum.n; b++) sample[b] = spectrum.radiance_in_band[b] * area;
+      contour.add_sample(row, col, sample, near, distance, far, area, object_id, nullptr);
+    }
+  }
+  delete[] sample;
+}
