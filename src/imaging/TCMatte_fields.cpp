@@ -129,7 +129,7 @@ TCMatte_fields::TCMatte_fields()
       planes(nullptr),
       held_objects_(0),
       held_table_(0) {
-  for (int k = 0; k < alpha_codes; k++) alpha_objects[k] = -1;
+  for (int k = 0; k < alpha_codes; k++) alpha_objects[k] = reflected_objects[k] = -1;
 }
 
 TCMatte_fields::~TCMatte_fields() {
@@ -186,7 +186,10 @@ void TCMatte_fields::prepare(int rows, int columns, int bands, const TCMatte_inp
   n_bands = bands;
   use_mattes = request.use_mattes;
   allocated = 1;
-  for (int k = 0; k < alpha_codes; k++) alpha_objects[k] = request.alpha_objects[k];
+  for (int k = 0; k < alpha_codes; k++) {
+    alpha_objects[k] = request.alpha_objects[k];
+    reflected_objects[k] = request.reflected_objects[k];
+  }
   if (use_mattes == 0) return;
 
   // Sizes no allocation can give fail like one that found no memory; a plane

@@ -123,6 +123,9 @@ class TCMatte_fields {
   int* object_wanted;  // n_objects + 1 entries; the last is the scene
   // List index of the object each alpha matte (22 + k) follows, -1 if none.
   int alpha_objects[5];
+  // List index of the object each reflected-object matte (7 + k) follows,
+  // -1 if none.
+  int reflected_objects[5];
   int** code_wanted;  // per object, n_codes flags
   float*** planes;    // per object, plane pointers, each rows * columns floats
 

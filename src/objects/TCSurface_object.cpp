@@ -47,7 +47,8 @@ TCSurface_object::TCSurface_object(const surface_object_input& input)
       azimuth_inverse_step(0.0),
       table_ready(0),
       band_radiance(nullptr),
-      box_centre(0.0, 0.0, 0.0) {}
+      box_centre(0.0, 0.0, 0.0),
+      matte_fields(nullptr) {}
 
 TCSurface_object::~TCSurface_object() {
   delete[] band_radiance;

@@ -7,6 +7,7 @@
 #include "TCVector.h"
 #include "box_class.h"
 
+class TCMatte_fields;
 class TCPolygon;
 class TCScene_tracer;
 class TCView;
@@ -142,6 +143,9 @@ class TCSurface_object : public box_class {
   int table_ready;
   double* band_radiance;
   TCVector box_centre;  // object frame, metres
+  // The mattes of the view being imaged, while a triangle is shaded; null
+  // otherwise.
+  const TCMatte_fields* matte_fields;
 
   // The zenith standing for "no sun": about three pi, out of any range.
   static const double no_sun_zenith;

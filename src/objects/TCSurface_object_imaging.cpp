@@ -2,6 +2,7 @@
 // the triangle's visible part that falls in it, with exact coverage.
 #include <cmath>
 
+#include "TCMatte_fields.h"
 #include "TCPolygon.h"
 #include "TCSurface_object.h"
 #include "TCView.h"
@@ -47,6 +48,10 @@ void TCSurface_object::image_triangle(TCView& view, object_contour& contour,
   double* sample = new double[spectrum.n > 0 ? spectrum.n : 1];
   TCPolygon piece;
   double xs[64], ys[64];
+  // The mattes this object adds to, one pixel's values at a time.
+  TCMatte_sample matte;
+  matte.attach(object_id, contour.matte_target);
+  matte_fields = matte.on ? contour.matte_target : nullptr;
   for (int row = row0; row <= row1; row++) {
     for (int col = col0; col <= col1; col++) {
       visible.clip_to_rectangle(col, col + 1.0, row, row + 1.0, piece);
@@ -109,11 +114,17 @@ void TCSurface_object::image_triangle(TCView& view, object_contour& contour,
       set_pixel_polygon(corners, xs, ys);
       TCVector in_box = point - box_centre;
       in_box.z += lattice->z_offset;
-      surface_radiance(TCRay(view.position, direction), in_box, normal, spectrum, side, nullptr,
-                       footprint);
+      if (matte.on) {
+        matte.clear();
+        matte.set_distance(distance);
+      }
+      surface_radiance(TCRay(view.position, direction), in_box, normal, spectrum, side,
+                       matte.on ? matte.values : nullptr, footprint);
       for (int b = 0; b < spectrum.n; b++) sample[b] = spectrum.radiance_in_band[b] * area;
-      contour.add_sample(row, col, sample, near, distance, far, area, object_id, nullptr);
+      contour.add_sample(row, col, sample, near, distance, far, area, object_id,
+                         matte.on ? &matte : nullptr);
     }
   }
+  matte_fields = nullptr;
   delete[] sample;
 }

@@ -274,10 +274,11 @@ class TCOcean : public TCSurface_object {
   double sharpening_at(double view_zenith) const;
   // What the scene shows inside a narrow cone from a world point: the
   // objects' radiance per band (the air left out), the fraction of the cone
-  // they fill and the nearest one's distance (1e16 when none).
+  // they fill and the nearest one's distance (1e16 when none). only: that
+  // object alone, or -1 for all the cone may show.
   void trace_cone(const TCVector& from, const TCVector& direction, double width_x, double width_y,
                   int below, object_contour* contour, double* radiance, double& fraction,
-                  double& distance);
+                  double& distance, int only);
   // Whitecap grids needed to reach max_distance from the finest.
   int whitecap_grid_count() const;
   int take_grid(const TCGrid_details_input& grid, int code, Field_entry& entry);

@@ -561,7 +561,7 @@ void TCOcean::glitter_intensity(double px, double py, const TCVector& ray, doubl
 
 void TCOcean::trace_cone(const TCVector& from, const TCVector& direction, double width_x,
                          double width_y, int below, object_contour* contour, double* radiance,
-                         double& fraction, double& distance) {
+                         double& fraction, double& distance, int only) {
   for (int band = 0; band < n_bands; band++) radiance[band] = 0.0;
   fraction = 0.0;
   distance = contour_empty_distance;
@@ -588,7 +588,7 @@ void TCOcean::trace_cone(const TCVector& from, const TCVector& direction, double
   cone.anti_alias = 0;
   int active[TCScene_tracer::max_objects];
   for (int i = 0; i < TCScene_tracer::max_objects; i++) {
-    active[i] = i == object_id ? 0 : (below ? object_above[i] : 1);
+    active[i] = i == object_id ? 0 : (only >= 0 ? i == only : (below ? object_above[i] : 1));
     contour->active[i] = active[i];
   }
   contour->forced_object = -1;
@@ -680,7 +680,17 @@ void TCOcean::surface_radiance(const TCRay& ray, const TCVector& point, const TC
       TCVector world_mirror;
       direction_to_world(mirror, world_mirror);
       trace_cone(world_point, world_mirror, width, width, side == -1, reflected_contour, reflected,
-                 fraction, distance);
+                 fraction, distance, -1);
+      // How much of the mirror cone each object the mattes name fills.
+      for (int k = 0; k < 5 && matte_values != nullptr && matte_fields != nullptr; k++) {
+        const int named = matte_fields->reflected_objects[k];
+        if (named < 0) continue;
+        double named_fraction = 0.0, named_distance = 0.0;
+        trace_cone(world_point, world_mirror, width, width, side == -1, reflected_contour,
+                   work_texture_out, named_fraction, named_distance, named);
+        for (int band = 0; band < n_bands; band++)
+          matte_values[n_bands * (7 + k) + band] = static_cast<float>(named_fraction);
+      }
       if (shadow_method && distance * distance < shadow_distance_sq) {
         for (int band = 0; band < n_bands; band++)
           table_total[band] *= 1.0 - fraction * max_shadow_fraction;
@@ -703,7 +713,7 @@ void TCOcean::surface_radiance(const TCRay& ray, const TCVector& point, const TC
         TCVector world_bent;
         direction_to_world(bent, world_bent);
         trace_cone(world_point, world_bent, width, width, side == 1, refracted_contour, refracted,
-                   fraction, distance);
+                   fraction, distance, -1);
       }
     }
     for (int band = 0; band < n_bands; band++) {

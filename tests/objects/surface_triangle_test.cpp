@@ -5,14 +5,18 @@
 
 #include <cmath>
 #include <memory>
+#include <sstream>
 
 #include "TCConstants.h"
 #include "TCGrid.h"
+#include "TCMatte_fields.h"
+#include "TCMatte_input.h"
 #include "TCPolygon.h"
 #include "TCSpectrum.h"
 #include "TCSurface_object.h"
 #include "TCView.h"
 #include "object_contour.h"
+#include "surface_object_input.h"
 #include "surface_test_objects.h"
 
 namespace {
@@ -126,6 +130,69 @@ TEST(SurfaceTriangle, ATriangleWhollyOutsideTheImageDoesNothing) {
   for (int row = 0; row < 8; row++) {
     for (int col = 0; col < 8; col++) EXPECT_EQ(contour.layer_coverage[row][col], 0.0f);
   }
+}
+
+}  // namespace
+
+namespace {
+
+// A surface whose light writes a known value into its "sky" matte.
+class Marked_surface : public TCSurface_object {
+ public:
+  explicit Marked_surface(const surface_object_input& input) : TCSurface_object(input) {}
+  void surface_radiance(const TCRay&, const TCVector&, const TCVector&, TCSpectrum& spectrum, int,
+                        float* matte_values, double) override {
+    spectrum.radiance_in_band[0] = 2.0;
+    if (matte_values != nullptr) matte_values[1 * 4] = 7.0f;  // one band: code 4 at 4
+  }
+};
+
+TEST(SurfaceTriangle, TheLightsMatteValuesReachTheCamerasMattes) {
+  std::istringstream text(
+      "use_mattes: 1\n"
+      "  NObjects: 1\n"
+      "    Object: sea\n"
+      "      NMattes: 2\n"
+      "        sky\n"
+      "        distance\n");
+  TCMatte_input request;
+  ASSERT_TRUE(request.read(text));
+  request.object_indices[0] = 0;
+  TCMatte_fields fields;
+  fields.set_sizes(40, 1);
+  fields.prepare(8, 8, 1, request);
+  int sky_plane = -1, distance_plane = -1, count = 0;
+  ASSERT_TRUE(fields.is_wanted(0, 4, sky_plane, count));
+  ASSERT_TRUE(fields.is_wanted(0, 19, distance_plane, count));
+
+  TCGrid lattice(64, 64, 1.0, 1.0);
+  lattice.periodic_x = lattice.periodic_y = 1;
+  lattice.offset_x = lattice.offset_y = 32.0;
+  surface_object_input input;
+  Marked_surface surface(input);
+  surface.lattice = &lattice;
+  surface.set_box(TCVector(99999999.0, 99999999.0, 20.0), TCVector(0.0, 0.0, -10.0));
+  lattice.z_offset = 10.0;
+  Calm_view calm;  // for its view and spectrum
+  const TCSurface_vertex t[3] = {calm.vertex_at(-20.0, -20.0), calm.vertex_at(20.0, -20.0),
+                                 calm.vertex_at(0.0, 30.0)};
+  TCPolygon visible;
+  for (int k = 0; k < 3; k++) visible.add_vertex(t[k].x, t[k].y);
+  float** out = new float*[1];
+  out[0] = new float[64]();
+  {
+    object_contour contour(8, 8, &calm.spectrum, out, 0.0f, 0, &fields, nullptr);
+    surface.image_triangle(calm.view, contour, t, visible, 1);
+    contour.merge_layer();
+  }
+  EXPECT_EQ(surface.matte_fields, nullptr);  // only while a triangle is shaded
+  const int pixel = 3 * 8 + 4;
+  EXPECT_NEAR(fields.planes[0][sky_plane][pixel], 7.0f, 1e-5);
+  TCRay ray;
+  calm.view.pixel_ray(3, 4, ray);
+  EXPECT_NEAR(fields.planes[0][distance_plane][pixel], 10.0 / -ray[5], 1e-3);
+  delete[] out[0];
+  delete[] out;
 }
 
 }  // namespace

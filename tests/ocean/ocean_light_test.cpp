@@ -12,6 +12,7 @@
 
 #include "../objects/box_test_boxes.h"
 #include "TCBand.h"
+#include "TCMatte_fields.h"
 #include "TCObject_list.h"
 #include "TCOcean.h"
 #include "TCSgi_image.h"
@@ -380,6 +381,18 @@ TEST(OceanLight, ExactPathShowsTheBoxTheMirrorRayMeets) {
                             mattes.data(), 0.01);
   }
   EXPECT_NEAR(mattes[5], 10.0, 1e-4);  // what the water reflects: the box's colour
+  EXPECT_EQ(mattes[7], 0.0f);          // no matte names the box yet
+  // A camera's matte naming the box as reflected object 0: the share of the
+  // mirror cone it fills, all of it here.
+  TCMatte_fields fields;
+  fields.reflected_objects[0] = wall->get_object_id();
+  ocean->matte_fields = &fields;
+  {
+    Stream_capture quiet(std::cout);
+    ocean->surface_radiance(TCRay(from, down), point, TCVector(0.0, 0.0, 1.0), spectrum, 1,
+                            mattes.data(), 0.01);
+  }
+  EXPECT_NEAR(mattes[7], 1.0, 1e-6);
   // Averaged reflection is kept: the reflectance comes from its table, at
   // 45 degrees on a facet with no resolved slope.
   double r[1];
@@ -421,6 +434,8 @@ TEST(OceanLight, ExactPathShowsTheBoxTheMirrorRayMeets) {
                             spectrum, 1, mattes.data(), 0.01);
   }
   EXPECT_EQ(mattes[5], 0.0f);
+  EXPECT_EQ(mattes[7], 0.0f);
+  ocean->matte_fields = nullptr;
 }
 
 }  // namespace
