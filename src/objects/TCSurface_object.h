@@ -80,6 +80,13 @@ class TCSurface_object : public box_class {
   virtual void image_triangle(TCView& view, object_contour& contour,
                               const TCSurface_vertex triangle[3], const TCPolygon& visible,
                               int side);
+  // The rows beyond the last ring of lattice nodes, out to the horizon: each
+  // pixel piece of the visible polygon is shaded by the water its centroid's
+  // ray meets on the flat or round mean surface, the lattice giving its
+  // height and slope there; above the horizon there is no water.
+  virtual void horizon_triangle(TCView& view, object_contour& contour,
+                                const TCSurface_vertex triangle[3], const TCPolygon& visible,
+                                int side);
   // Unresolved slopes for a footprint of scale lattice cells. Nothing here.
   virtual void set_footprint(double scale);
   virtual void set_reflection_footprint(double scale);

@@ -128,3 +128,94 @@ void TCSurface_object::image_triangle(TCView& view, object_contour& contour,
   matte_fields = nullptr;
   delete[] sample;
 }
+
+void TCSurface_object::horizon_triangle(TCView& view, object_contour& contour,
+                                        const TCSurface_vertex[3], const TCPolygon& visible,
+                                        int side) {
+  if (lattice == nullptr || contour.spectrum == nullptr || visible.size() < 3) return;
+  double x0, x1, y0, y1;
+  visible.bounds(x0, x1, y0, y1);
+  if (x1 < 0.0 || y1 < 0.0 || x0 >= view.n_cols || y0 >= view.n_rows) return;
+  const int col0 = x0 < 0.0 ? 0 : static_cast<int>(std::floor(x0));
+  const int row0 = y0 < 0.0 ? 0 : static_cast<int>(std::floor(y0));
+  const int col1 = x1 >= view.n_cols ? view.n_cols - 1 : static_cast<int>(std::floor(x1));
+  const int row1 = y1 >= view.n_rows ? view.n_rows - 1 : static_cast<int>(std::floor(y1));
+  TCVector camera;
+  point_to_object(view.position, camera);
+  const int round = lattice->round_flag;
+  const double radius = lattice->radius;
+  // The camera's height over the mean surface, and over the sphere under it.
+  double h = camera.z;
+  if (round) h += (camera.x * camera.x + camera.y * camera.y) * 0.5 / radius;
+  if (h < 0.0) return;
+  const double pixel_width = (view.last_azimuth - view.first_azimuth) / view.n_cols;
+  const double pixel_height = (view.last_elevation - view.first_elevation) / view.n_rows;
+  TCSpectrum& spectrum = *contour.spectrum;
+  double* sample = new double[spectrum.n > 0 ? spectrum.n : 1];
+  TCMatte_sample matte;
+  matte.attach(object_id, contour.matte_target);
+  matte_fields = matte.on ? contour.matte_target : nullptr;
+  TCPolygon piece;
+  for (int row = row0; row <= row1; row++) {
+    for (int col = col0; col <= col1; col++) {
+      visible.clip_to_rectangle(col, col + 1.0, row, row + 1.0, piece);
+      if (piece.size() < 3) continue;
+      const double area = piece.area();
+      if (!(area > 0.0)) continue;
+      double cx = 0.0, cy = 0.0;
+      piece.centroid(cx, cy);
+      TCRay ray;
+      view.plane_ray(view.first_elevation + cy * pixel_height,
+                     view.first_azimuth + cx * pixel_width, ray);
+      TCRay local;
+      ray_to_object(ray, local);
+      const double across = std::sqrt(local[3] * local[3] + local[4] * local[4]);
+      if (!(across > 0.0)) continue;
+      const double azimuth = std::atan2(local[4], local[3]);
+      const double m = -local[5] / across;  // tangent of the depression
+      // Above the horizon: the sky.
+      TCRay in_box_ray;
+      ray_to_box(ray, in_box_ray);
+      if (!(m > std::tan(curvature_angle(in_box_ray, azimuth)))) continue;
+      double reach = 99999999.0;  // metres along the mean surface
+      if (round) {
+        const double under = radius * radius * m * m - 2.0 * radius * h;
+        if (under < 0.0) continue;
+        reach = std::fabs(m) * radius - std::sqrt(under);
+      } else if (m != 0.0) {
+        reach = h / m;
+      }
+      const double x = camera.x + reach * local[3] / across;
+      const double y = camera.y + reach * local[4] / across;
+      const double z = lattice->height_at(x, y, 0) - lattice->z_offset;
+      const TCVector point(x, y, z);
+      const TCVector gap = point - camera;
+      const double distance = std::sqrt(gap.dot(gap));
+      if (!contour.pixel_wanted(row, col, distance, distance)) continue;
+      TCVector normal;
+      lattice->normal_at(x, y, normal);
+      TCVector world_point;
+      point_to_world(point, world_point);
+      TCVector direction = world_point - view.position;
+      const double length = std::sqrt(direction.dot(direction));
+      if (!(length > 0.0)) continue;
+      direction = direction * (1.0 / length);
+      if (matte.on) {
+        matte.clear();
+        matte.set_distance(distance);
+      }
+      double xs[1] = {x}, ys[1] = {y};
+      set_pixel_polygon(1, xs, ys);
+      TCVector in_box = point - box_centre;
+      in_box.z += lattice->z_offset;
+      surface_radiance(TCRay(view.position, direction), in_box, normal, spectrum, side,
+                       matte.on ? matte.values : nullptr,
+                       distance * (pixel_width + pixel_height) * 0.25);
+      for (int b = 0; b < spectrum.n; b++) sample[b] = spectrum.radiance_in_band[b] * area;
+      contour.add_sample(row, col, sample, distance, distance, distance, area, object_id,
+                         matte.on ? &matte : nullptr);
+    }
+  }
+  matte_fields = nullptr;
+  delete[] sample;
+}

@@ -4,8 +4,10 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <fstream>
 #include <memory>
 #include <sstream>
+#include <string>
 
 #include "TCConstants.h"
 #include "TCGrid.h"
@@ -193,6 +195,101 @@ TEST(SurfaceTriangle, TheLightsMatteValuesReachTheCamerasMattes) {
   EXPECT_NEAR(fields.planes[0][distance_plane][pixel], 10.0 / -ray[5], 1e-3);
   delete[] out[0];
   delete[] out;
+}
+
+}  // namespace
+
+namespace {
+
+// One of the cameras of the independent sea picture, and the rows where it
+// sees the horizon (row k's centre at k, rows upwards).
+struct Horizon_case {
+  TCView view;
+  double flat_row;
+  double round_row;
+};
+
+Horizon_case horizon_case(const std::string& name) {
+  Horizon_case c;
+  std::ifstream in(TC_TEST_DATA_DIR "/ocean/sea_picture_reference.txt");
+  std::string line;
+  double x = 0, y = 0, z = 0, chi = 0, phi = 0, theta = 0, fov_a = 0, fov_e = 0;
+  int cols = 0, rows = 0;
+  while (std::getline(in, line)) {
+    std::istringstream words(line);
+    std::string first, which;
+    words >> first >> which;
+    if (first == "camera" && which == name) {
+      words >> x >> y >> z >> chi >> phi >> theta >> cols >> rows >> fov_a >> fov_e;
+    } else if (first == "horizon" && which == name) {
+      std::string word;
+      words >> word >> c.flat_row >> word >> c.round_row;
+    }
+  }
+  // The image plane of a camera: half-widths tan(fov / 2).
+  const double half_e = std::tan(fov_e * 0.008726646259722222);
+  const double half_a = std::tan(fov_a * 0.008726646259722222);
+  c.view.set_pose(TCVector(x, y, z), chi, phi, theta);
+  c.view.set_grid(rows, -half_e, half_e, cols, -half_a, half_a);
+  return c;
+}
+
+// Rows whose pixel centre sees water in a middle column.
+int water_rows(TCView& view, int round) {
+  TCGrid lattice(64, 64, 1.0, 1.0);
+  lattice.periodic_x = lattice.periodic_y = 1;
+  lattice.offset_x = lattice.offset_y = 32.0;
+  if (round) {
+    lattice.round_flag = 1;
+    lattice.radius = 6.371e6;
+  }
+  std::unique_ptr<TCSurface_object> surface =
+      new_surface(&lattice, 99999999.0, 99999999.0, 20.0, 0.0, 0.9);
+  TCSpectrum spectrum(1);
+  spectrum.band_id[0] = 1;
+  // The middle column alone.
+  const int col = view.n_cols / 2;
+  TCPolygon all;
+  all.add_vertex(col, 0.0);
+  all.add_vertex(col + 1.0, 0.0);
+  all.add_vertex(col + 1.0, view.n_rows);
+  all.add_vertex(col, view.n_rows);
+  TCSurface_vertex unused[3] = {};
+  object_contour contour(view.n_rows, view.n_cols, &spectrum, 0.0f, 0, nullptr, nullptr);
+  surface->horizon_triangle(view, contour, unused, all, 1);
+  int water = 0;
+  for (int row = 0; row < view.n_rows; row++) {
+    if (contour.layer_coverage[row][col] > 0.5f) {
+      EXPECT_EQ(row, water) << "water above the sky at row " << row;
+      water++;
+    }
+  }
+  return water;
+}
+
+TEST(SurfaceHorizon, FlatAndRoundHorizonsFallWhereTheyShould) {
+  for (const char* name : {"a", "c"}) {
+    Horizon_case c = horizon_case(name);
+    ASSERT_GT(c.flat_row, 1.0) << name;
+    // The same camera with a hundred rows to each of its own, so that the
+    // sphere's dip (a few hundredths of a row) shows: fine row k has its
+    // centre at (k + 0.5) / 100 - 0.5 in the camera's rows, and is water
+    // when that lies below the horizon row.
+    const int fine = 100;
+    c.view.set_grid(c.view.n_rows * fine, c.view.first_elevation, c.view.last_elevation,
+                    c.view.n_cols, c.view.first_azimuth, c.view.last_azimuth);
+    const int flat = static_cast<int>(std::ceil((c.flat_row + 0.5) * fine - 0.5));
+    const int round = static_cast<int>(std::ceil((c.round_row + 0.5) * fine - 0.5));
+    ASSERT_GT(flat - round, 3) << name;
+    EXPECT_NEAR(water_rows(c.view, 0), flat, 1) << name;
+    EXPECT_NEAR(water_rows(c.view, 1), round, 1) << name;
+  }
+}
+
+TEST(SurfaceHorizon, ACameraUnderTheMeanSurfaceDrawsNoHorizon) {
+  Horizon_case c = horizon_case("a");
+  c.view.set_pose(TCVector(0.0, 0.0, -1.0), c.view.chi, c.view.phi, c.view.theta);
+  EXPECT_EQ(water_rows(c.view, 0), 0);
 }
 
 }  // namespace
