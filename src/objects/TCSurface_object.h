@@ -8,6 +8,7 @@
 #include "box_class.h"
 
 class TCMatte_fields;
+class TCMatte_sample;
 class TCPolygon;
 class TCScene_tracer;
 class TCView;
@@ -159,6 +160,17 @@ class TCSurface_object : public box_class {
   static const int most_texture_points = 400;
 
  private:
+  // The water under image point (px, py) of a triangle: object frame x, y, z;
+  // 0 for a degenerate triangle or a point over no water.
+  int water_under(const TCSurface_vertex triangle[3], double px, double py, TCVector& point) const;
+  // The last step of shading a pixel piece: the light at point (object frame)
+  // with normal, into the contour with coverage area and the depth range.
+  // corners (xs, ys) go to the textures. 0 when the point gives no ray.
+  int shade_piece(TCView& view, object_contour& contour, TCMatte_sample& matte, double* sample,
+                  int row, int col, const TCVector& point, double area, double near,
+                  double distance, double far, int corners, const double* xs, const double* ys,
+                  int side);
+
   TCSurface_object(const TCSurface_object&);
   TCSurface_object& operator=(const TCSurface_object&);
 };
