@@ -48,6 +48,14 @@ void axis_position(double v, double first, double inverse, int count, int& node,
   weight = u - node;
 }
 
+// A table row looked up linearly at v on its axis, clamped at both ends.
+double linear_in(const double* row, double v, double first, double inverse, int count) {
+  int node = 0;
+  double weight = 0.0;
+  axis_position(v, first, inverse, count, node, weight);
+  return weight > 0.0 ? row[node] * (1.0 - weight) + row[node + 1] * weight : row[node];
+}
+
 }  // namespace
 
 double TCOcean::fresnel_reflectance(double angle, double n) {
@@ -148,13 +156,9 @@ float* TCOcean::level_table(float* const* tables, int side, int level) const {
 }
 
 void TCOcean::fresnel(double c, double* out) const {
-  int node = 0;
-  double weight = 0.0;
-  axis_position(c, fresnel_first, fresnel_inverse_step, fresnel_axis_n, node, weight);
-  for (int band = 0; band < n_bands; band++) {
-    const double* row = fresnel_table + band * fresnel_axis_n;
-    out[band] = weight > 0.0 ? row[node] * (1.0 - weight) + row[node + 1] * weight : row[node];
-  }
+  for (int band = 0; band < n_bands; band++)
+    out[band] = linear_in(fresnel_table + band * fresnel_axis_n, c, fresnel_first,
+                          fresnel_inverse_step, fresnel_axis_n);
 }
 
 void TCOcean::external_radiance_at(double z, double phi, double* out) const {
@@ -196,13 +200,9 @@ void TCOcean::external_radiance_mean_at(double z, double* out) const {
               << "\n";
     std::exit(1);
   }
-  int node = 0;
-  double weight = 0.0;
-  axis_position(z, fresnel_first, fresnel_inverse_step, fresnel_axis_n, node, weight);
-  for (int band = 0; band < n_bands; band++) {
-    const double* row = external_radiance_mean + band * fresnel_axis_n;
-    out[band] = weight > 0.0 ? row[node] * (1.0 - weight) + row[node + 1] * weight : row[node];
-  }
+  for (int band = 0; band < n_bands; band++)
+    out[band] = linear_in(external_radiance_mean + band * fresnel_axis_n, z, fresnel_first,
+                          fresnel_inverse_step, fresnel_axis_n);
 }
 
 void TCOcean::update_light() {
@@ -297,19 +297,13 @@ void TCOcean::facet_limits(double m, double s, int side, double& lo, double& hi)
 }
 
 double TCOcean::local_radiance(int band, double k, double S, double m, int side) const {
-  double r[1];
-  const double c = -k;
-  int node = 0;
-  double weight = 0.0;
-  axis_position(c, fresnel_first, fresnel_inverse_step, fresnel_axis_n, node, weight);
-  const double* row = fresnel_table + band * fresnel_axis_n;
-  r[0] = weight > 0.0 ? row[node] * (1.0 - weight) + row[node + 1] * weight : row[node];
+  const double R = linear_in(fresnel_table + band * fresnel_axis_n, -k, fresnel_first,
+                             fresnel_inverse_step, fresnel_axis_n);
   const double z = 2.0 * k / std::sqrt(S + 1.0) - m;
-  axis_position(z, fresnel_first, fresnel_inverse_step, fresnel_axis_n, node, weight);
-  const double* sky = external_radiance_mean + band * fresnel_axis_n;
-  const double L = weight > 0.0 ? sky[node] * (1.0 - weight) + sky[node + 1] * weight : sky[node];
-  if (side == -1) return r[0] * upwelling[band] + (1.0 - r[0]) * L;
-  return (1.0 - r[0]) * upwelling[band] + r[0] * L;
+  const double L = linear_in(external_radiance_mean + band * fresnel_axis_n, z, fresnel_first,
+                             fresnel_inverse_step, fresnel_axis_n);
+  if (side == -1) return R * upwelling[band] + (1.0 - R) * L;
+  return (1.0 - R) * upwelling[band] + R * L;
 }
 
 double TCOcean::facet_radiance(int band, double c, double s, double m, int side,
@@ -339,13 +333,9 @@ double TCOcean::facet_radiance(int band, double c, double s, double m, int side,
       const double k = (p * w + m) / std::sqrt(S + 1.0);
       if (reflection) {
         const double z = 2.0 * k / std::sqrt(S + 1.0) - m;
-        if (z > 0.0) {
-          int node = 0;
-          double fw = 0.0;
-          axis_position(-k, fresnel_first, fresnel_inverse_step, fresnel_axis_n, node, fw);
-          const double* row = fresnel_table + band * fresnel_axis_n;
-          sum += weight * (fw > 0.0 ? row[node] * (1.0 - fw) + row[node + 1] * fw : row[node]);
-        }
+        if (z > 0.0)
+          sum += weight * linear_in(fresnel_table + band * fresnel_axis_n, -k, fresnel_first,
+                                    fresnel_inverse_step, fresnel_axis_n);
       } else {
         sum += weight * local_radiance(band, k, S, m, side);
       }
