@@ -339,6 +339,37 @@ void object_contour::add_sample(int row, int col, const double* radiance, double
   }
 }
 
+void object_contour::add_sample_adjacent(int row, int col, const double* radiance, double near,
+                                         double distance, double far, double coverage, int object,
+                                         const TCMatte_sample* sample) {
+  if (!inside(row, col)) return;
+  const float d = static_cast<float>(distance);
+  if (d < min_distance) return;
+  float& layer_c = layer_coverage[row][col];
+  if (layer_c == 0.0f) {
+    add_sample(row, col, radiance, near, distance, far, coverage, object, sample);
+    return;
+  }
+  layer_object = object;
+  const float sum = static_cast<float>(layer_c + coverage);
+  layer_c = sum < 1.0f ? sum : 1.0f;
+  if (d < layer_distance[row][col]) layer_distance[row][col] = d;
+  if (anti_alias) {
+    if (static_cast<float>(near) < layer_near[row][col])
+      layer_near[row][col] = static_cast<float>(near);
+    if (static_cast<float>(far) > layer_far[row][col])
+      layer_far[row][col] = static_cast<float>(far);
+  }
+  for (int band = 0; band < n_bands_; band++) {
+    float& value = layer_radiance[band][row][col];
+    value = static_cast<float>(value + radiance[band]);
+  }
+  if (matte_target != nullptr) {
+    matte_target->accumulate(row, col, object, 1.0, 1.0, layer_c, coverage,
+                             layer_distance[row][col], radiance, sample);
+  }
+}
+
 void object_contour::add_sample_float(int row, int col, const float* radiance, double near,
                                       double distance, double far, double coverage, int object,
                                       const TCMatte_sample* sample) {

@@ -44,6 +44,12 @@ class object_contour {
                   double far, double coverage, int object, const TCMatte_sample* sample);
   void add_sample_float(int row, int col, const float* radiance, double near, double distance,
                         double far, double coverage, int object, const TCMatte_sample* sample);
+  // A piece of a surface that tiles the pixel with the pieces the layer
+  // already holds there (neighbouring triangles of one mesh): coverages
+  // and radiance add up rather than hide one another, and the layer keeps
+  // the nearest distance.
+  void add_sample_adjacent(int row, int col, const double* radiance, double near, double distance,
+                           double far, double coverage, int object, const TCMatte_sample* sample);
   // Near and far both taken as the distance.
   void add_sample_plain(int row, int col, const float* radiance, double distance, double coverage,
                         int object, const TCMatte_sample* sample);

@@ -48,7 +48,9 @@ TCSurface_object::TCSurface_object(const surface_object_input& input)
       table_ready(0),
       band_radiance(nullptr),
       box_centre(0.0, 0.0, 0.0),
-      matte_fields(nullptr) {}
+      matte_fields(nullptr),
+      underwater_plane(0),
+      mattes_only(0) {}
 
 TCSurface_object::~TCSurface_object() {
   delete[] band_radiance;
@@ -84,7 +86,9 @@ int TCSurface_object::intersect(const TCRay& ray, TCVector& hit, double& distanc
   return found;
 }
 
-void TCSurface_object::image_contour(TCView&, object_contour&) {}
+void TCSurface_object::image_contour(TCView& view, object_contour& contour) {
+  image_surface(view, contour);
+}
 
 void TCSurface_object::set_table_axes() {
   fresnel_first = -1.0;

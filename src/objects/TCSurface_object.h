@@ -45,7 +45,7 @@ class TCSurface_object : public box_class {
   int point_inside(const TCVector& point) override;
   int intersect(const TCRay& ray, TCVector& hit, double& distance) override;
   // The surface is drawn by sampling its lattice in image space, not by its
-  // box's faces; until that sampler is part of the build it paints nothing.
+  // box's faces: image_surface.
   void image_contour(TCView& view, object_contour& contour) override;
 
   // The table axes from their sizes: cosine -1 to 1, azimuth -pi to pi.
@@ -88,9 +88,28 @@ class TCSurface_object : public box_class {
   virtual void horizon_triangle(TCView& view, object_contour& contour,
                                 const TCSurface_vertex triangle[3], const TCPolygon& visible,
                                 int side);
+  // image_triangle's walk with the mattes filled and no radiance added.
+  virtual void matte_triangle(TCView& view, object_contour& contour,
+                              const TCSurface_vertex triangle[3], const TCPolygon& visible,
+                              int side);
   // Unresolved slopes for a footprint of scale lattice cells. Nothing here.
   virtual void set_footprint(double scale);
   virtual void set_reflection_footprint(double scale);
+
+  // Draws the surface into the contour: nothing when every ray of the view
+  // looks away from the waves, else the ridge-line sampler from the
+  // camera's side of the water (or, below it when underwater_plane is set,
+  // one ray per pixel up to the plane of the water over the camera).
+  // image_mattes does the same with the mattes alone.
+  void image_surface(TCView& view, object_contour& contour);
+  void image_mattes(TCView& view, object_contour& contour);
+  // 1 when the camera is over the water under it, -1 otherwise.
+  int surface_side(const TCView& view) const;
+  // 0 when the camera is clear of the waves on its side and all the
+  // view's rays look away from them.
+  int surface_in_view(const TCView& view, int side) const;
+  // The ring and ridge size the sampler gets for this view.
+  int sampler_points(const TCView& view) const;
 
   // Box frame: below height_at(x, y) with the round drop.
   int inside(const TCVector& point) const;
@@ -155,6 +174,11 @@ class TCSurface_object : public box_class {
   // otherwise.
   const TCMatte_fields* matte_fields;
 
+  // Set by a kind whose underside is drawn per pixel rather than sampled.
+  int underwater_plane;
+  // While set, shading adds coverage and mattes but no radiance.
+  int mattes_only;
+
   // The zenith standing for "no sun": about three pi, out of any range.
   static const double no_sun_zenith;
   static const int most_texture_points = 400;
@@ -170,6 +194,8 @@ class TCSurface_object : public box_class {
                   int row, int col, const TCVector& point, double area, double near,
                   double distance, double far, int corners, const double* xs, const double* ys,
                   int side);
+
+  void image_below_plane(TCView& view, object_contour& contour);
 
   TCSurface_object(const TCSurface_object&);
   TCSurface_object& operator=(const TCSurface_object&);

@@ -2,6 +2,7 @@
 // the triangle's visible part that falls in it, with exact coverage.
 #include <cmath>
 
+#include "Slice.h"
 #include "TCMatte_fields.h"
 #include "TCPolygon.h"
 #include "TCSurface_object.h"
@@ -25,26 +26,30 @@ int weights_of(const TCSurface_vertex t[3], double x, double y, double w[3]) {
   return 1;
 }
 
-// The whole pixels the visible polygon touches, clamped to the image: 0 when
-// it lies wholly outside.
+// The whole pixels the visible polygon touches, in whole-picture rows and
+// columns, clamped to this view's part of the picture: 0 when it lies wholly
+// outside.
 int pixel_window(const TCView& view, const TCPolygon& visible, int& row0, int& row1, int& col0,
                  int& col1) {
   double x0, x1, y0, y1;
   visible.bounds(x0, x1, y0, y1);
-  if (x1 < 0.0 || y1 < 0.0 || x0 >= view.n_cols || y0 >= view.n_rows) return 0;
-  col0 = x0 < 0.0 ? 0 : static_cast<int>(std::floor(x0));
-  row0 = y0 < 0.0 ? 0 : static_cast<int>(std::floor(y0));
-  col1 = x1 >= view.n_cols ? view.n_cols - 1 : static_cast<int>(std::floor(x1));
-  row1 = y1 >= view.n_rows ? view.n_rows - 1 : static_cast<int>(std::floor(y1));
+  const int first_col = view.whole_first_col, first_row = view.whole_first_row;
+  const int last_col = first_col + view.n_cols, last_row = first_row + view.n_rows;
+  if (!(x1 >= first_col && y1 >= first_row && x0 < last_col && y0 < last_row)) return 0;
+  col0 = x0 < first_col ? first_col : static_cast<int>(std::floor(x0));
+  row0 = y0 < first_row ? first_row : static_cast<int>(std::floor(y0));
+  col1 = x1 >= last_col ? last_col - 1 : static_cast<int>(std::floor(x1));
+  row1 = y1 >= last_row ? last_row - 1 : static_cast<int>(std::floor(y1));
   return 1;
 }
 
-// Plane units a pixel spans across, and up.
+// Plane units a pixel spans across, and up: the whole picture's, so that a
+// strip of it works out its pixels exactly as the whole does.
 double pixel_width(const TCView& view) {
-  return (view.last_azimuth - view.first_azimuth) / view.n_cols;
+  return (view.whole_last_azimuth - view.whole_first_azimuth) / view.whole_n_cols;
 }
 double pixel_height(const TCView& view) {
-  return (view.last_elevation - view.first_elevation) / view.n_rows;
+  return (view.whole_last_elevation - view.whole_first_elevation) / view.whole_n_rows;
 }
 
 }  // namespace
@@ -88,9 +93,11 @@ int TCSurface_object::shade_piece(TCView& view, object_contour& contour, TCMatte
   surface_radiance(TCRay(view.position, direction), in_box, normal, spectrum, side,
                    matte.on ? matte.values : nullptr,
                    distance * (pixel_width(view) + pixel_height(view)) * 0.25);
-  for (int b = 0; b < spectrum.n; b++) sample[b] = spectrum.radiance_in_band[b] * area;
-  contour.add_sample(row, col, sample, near, distance, far, area, object_id,
-                     matte.on ? &matte : nullptr);
+  for (int b = 0; b < spectrum.n; b++)
+    sample[b] = mattes_only ? 0.0 : spectrum.radiance_in_band[b] * area;
+  // Pieces of the surface in one pixel tile it: their coverages add.
+  contour.add_sample_adjacent(row - view.whole_first_row, col - view.whole_first_col, sample, near,
+                              distance, far, area, object_id, matte.on ? &matte : nullptr);
   return 1;
 }
 
@@ -140,7 +147,8 @@ void TCSurface_object::image_triangle(TCView& view, object_contour& contour,
       const TCVector gap = point - camera;
       const double near = std::sqrt(nearest), far = std::sqrt(farthest);
       const double distance = std::sqrt(gap.dot(gap));
-      if (!contour.pixel_wanted(row, col, near, far)) continue;
+      if (!contour.pixel_wanted(row - view.whole_first_row, col - view.whole_first_col, near, far))
+        continue;
       shade_piece(view, contour, matte, sample, row, col, point, area, near, distance, far, corners,
                   xs, ys, side);
     }
@@ -177,8 +185,8 @@ void TCSurface_object::horizon_triangle(TCView& view, object_contour& contour,
       double cx = 0.0, cy = 0.0;
       piece.centroid(cx, cy);
       TCRay ray;
-      view.plane_ray(view.first_elevation + cy * pixel_height(view),
-                     view.first_azimuth + cx * pixel_width(view), ray);
+      view.plane_ray(view.whole_first_elevation + cy * pixel_height(view),
+                     view.whole_first_azimuth + cx * pixel_width(view), ray);
       TCRay local;
       ray_to_object(ray, local);
       const double across = std::sqrt(local[3] * local[3] + local[4] * local[4]);
@@ -202,10 +210,162 @@ void TCSurface_object::horizon_triangle(TCView& view, object_contour& contour,
       const TCVector point(x, y, lattice->height_at(x, y, 0) - lattice->z_offset);
       const TCVector gap = point - camera;
       const double distance = std::sqrt(gap.dot(gap));
-      if (!contour.pixel_wanted(row, col, distance, distance)) continue;
+      if (!contour.pixel_wanted(row - view.whole_first_row, col - view.whole_first_col, distance,
+                                distance))
+        continue;
       const double xs[1] = {x}, ys[1] = {y};
       shade_piece(view, contour, matte, sample, row, col, point, area, distance, distance, distance,
                   1, xs, ys, side);
+    }
+  }
+  matte_fields = nullptr;
+  delete[] sample;
+}
+
+void TCSurface_object::matte_triangle(TCView& view, object_contour& contour,
+                                      const TCSurface_vertex triangle[3], const TCPolygon& visible,
+                                      int side) {
+  mattes_only = 1;
+  image_triangle(view, contour, triangle, visible, side);
+  mattes_only = 0;
+}
+
+int TCSurface_object::surface_side(const TCView& view) const {
+  TCVector camera;
+  point_to_object(view.position, camera);
+  const double under = lattice->height_at(camera.x, camera.y, 0) - lattice->z_offset;
+  return camera.z > under ? 1 : -1;
+}
+
+int TCSurface_object::surface_in_view(const TCView& view, int side) const {
+  TCVector camera;
+  point_to_object(view.position, camera);
+  // Zenith angles of the window's edge rays in the object frame; the
+  // window's own axes are straight on the plane, so its edges bound them
+  // unless it holds the point straight up or down.
+  const int steps_a = view.n_cols > 1 ? view.n_cols : 1;
+  const int steps_e = view.n_rows > 1 ? view.n_rows : 1;
+  double lowest = 1.0, highest = -1.0;  // of the rays' z
+  for (int k = 0; k <= steps_a; k++) {
+    for (int edge = 0; edge < 2; edge++) {
+      TCRay ray;
+      view.plane_ray(edge ? view.last_elevation : view.first_elevation,
+                     view.first_azimuth + (view.last_azimuth - view.first_azimuth) * k / steps_a,
+                     ray);
+      TCVector d;
+      direction_to_object(TCVector(ray[3], ray[4], ray[5]), d);
+      if (d.z < lowest) lowest = d.z;
+      if (d.z > highest) highest = d.z;
+    }
+  }
+  for (int k = 0; k <= steps_e; k++) {
+    for (int edge = 0; edge < 2; edge++) {
+      TCRay ray;
+      view.plane_ray(
+          view.first_elevation + (view.last_elevation - view.first_elevation) * k / steps_e,
+          edge ? view.last_azimuth : view.first_azimuth, ray);
+      TCVector d;
+      direction_to_object(TCVector(ray[3], ray[4], ray[5]), d);
+      if (d.z < lowest) lowest = d.z;
+      if (d.z > highest) highest = d.z;
+    }
+  }
+  for (int sign = -1; sign <= 1; sign += 2) {
+    TCVector axis, in_view;
+    direction_to_world(TCVector(0.0, 0.0, sign), axis);
+    in_view = view.world_to_view.times(axis);
+    if (!(in_view.z > 0.0)) continue;
+    const double e = -in_view.x / in_view.z, a = -in_view.y / in_view.z;
+    const int inside_e = (e - view.first_elevation) * (e - view.last_elevation) <= 0.0;
+    const int inside_a = (a - view.first_azimuth) * (a - view.last_azimuth) <= 0.0;
+    if (inside_e && inside_a) {
+      if (sign < 0) lowest = -1.0;
+      if (sign > 0) highest = 1.0;
+    }
+  }
+  float low = 0.0f, high = 0.0f;
+  lattice->height_range(low, high);
+  // The smallest zenith angle at or past a right angle: every ray looks up.
+  const double top_zenith = std::acos(highest > 1.0 ? 1.0 : highest);
+  const double bottom_zenith = std::acos(lowest < -1.0 ? -1.0 : lowest);
+  if (side > 0 && camera.z > high && top_zenith >= 1.57079632675) return 0;
+  if (side < 0 && camera.z < low && bottom_zenith <= 1.57079632675) return 0;
+  return 1;
+}
+
+int TCSurface_object::sampler_points(const TCView& view) const {
+  const int longer = view.whole_n_cols > view.whole_n_rows ? view.whole_n_cols : view.whole_n_rows;
+  // A ring of the lattice holds at most 8 nodes per step of its half side;
+  // with doubling, half sides stay near the doubling size.
+  long long half_side = lattice->doubling_on ? lattice->doubling_size + 4 : lattice->last_index + 4;
+  if (!lattice->doubling_on || !lattice->periodic_x || !lattice->periodic_y) {
+    const long long n = lattice->n_x > lattice->n_y ? lattice->n_x : lattice->n_y;
+    if (n + 4 > half_side) half_side = n + 4;
+  }
+  long long points = 2LL * longer + 16;
+  if (4 * half_side + 16 > points) points = 4 * half_side + 16;
+  const long long most = 1LL << 22;
+  return static_cast<int>(points < most ? points : most);
+}
+
+void TCSurface_object::image_surface(TCView& view, object_contour& contour) {
+  if (lattice == nullptr || contour.spectrum == nullptr) return;
+  const int side = surface_side(view);
+  if (!surface_in_view(view, side)) return;
+  if (side < 0 && underwater_plane) {
+    image_below_plane(view, contour);
+    return;
+  }
+  Slice slice(lattice, sampler_points(view), this, side, view);
+  slice.run(view, contour);
+}
+
+void TCSurface_object::image_mattes(TCView& view, object_contour& contour) {
+  if (lattice == nullptr || contour.spectrum == nullptr) return;
+  const int side = surface_side(view);
+  if (!surface_in_view(view, side)) return;
+  if (side < 0 && underwater_plane) {
+    mattes_only = 1;
+    image_below_plane(view, contour);
+    mattes_only = 0;
+    return;
+  }
+  Slice slice(lattice, sampler_points(view), this, side, view);
+  slice.run_mattes(view, contour);
+}
+
+void TCSurface_object::image_below_plane(TCView& view, object_contour& contour) {
+  TCVector camera;
+  point_to_object(view.position, camera);
+  // The plane through the water over the camera stands for the surface.
+  const double level = lattice->height_at(camera.x, camera.y, 0) - lattice->z_offset;
+  double* sample = new double[contour.spectrum->n > 0 ? contour.spectrum->n : 1];
+  TCMatte_sample matte;
+  matte.attach(object_id, contour.matte_target);
+  matte_fields = matte.on ? contour.matte_target : nullptr;
+  for (int row = 0; row < view.n_rows; row++) {
+    for (int col = 0; col < view.n_cols; col++) {
+      const int whole_row = row + view.whole_first_row, whole_col = col + view.whole_first_col;
+      TCRay ray;
+      view.plane_ray(view.whole_first_elevation + (whole_row + 0.5) * pixel_height(view),
+                     view.whole_first_azimuth + (whole_col + 0.5) * pixel_width(view), ray);
+      TCRay local;
+      ray_to_object(ray, local);
+      // Only rays that rise meet the surface overhead: on that plane, where
+      // the lattice gives the height and the slope.
+      if (!(local[5] > 0.0)) continue;
+      const double t = (level - camera.z) / local[5];
+      if (!(t > 0.0)) continue;
+      const double x = camera.x + t * local[3], y = camera.y + t * local[4];
+      const double z = lattice->height_at(x, y, 0) - lattice->z_offset;
+      if (!(z > no_surface)) continue;
+      const TCVector point(x, y, z);
+      const TCVector gap = point - camera;
+      const double distance = std::sqrt(gap.dot(gap));
+      if (!contour.pixel_wanted(row, col, distance, distance)) continue;
+      const double xs[1] = {x}, ys[1] = {y};
+      shade_piece(view, contour, matte, sample, whole_row, whole_col, point, 1.0, distance,
+                  distance, distance, 1, xs, ys, -1);
     }
   }
   matte_fields = nullptr;

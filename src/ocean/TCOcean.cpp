@@ -175,6 +175,9 @@ TCOcean::TCOcean(const ocean_input& input)
       pixel_xs(nullptr),
       pixel_ys(nullptr),
       glitter_done(nullptr) {
+  // From below, the sea is drawn one ray per pixel up to the water over
+  // the camera rather than by the ridge-line sampler.
+  underwater_plane = 1;
   for (int side = 0; side < 2; side++) {
     radiance_table[side] = nullptr;
     reflection_table[side] = nullptr;
