@@ -351,8 +351,15 @@ void object_contour::add_sample_adjacent(int row, int col, const double* radianc
     return;
   }
   layer_object = object;
-  const float sum = static_cast<float>(layer_c + coverage);
-  layer_c = sum < 1.0f ? sum : 1.0f;
+  // Pieces that overlap a little (a fold of the mesh seen edge on) would
+  // cover more than the pixel: only the part left open counts.
+  double share = 1.0;
+  if (layer_c + coverage > 1.0) {
+    share = coverage > 0.0 ? (1.0 - layer_c) / coverage : 0.0;
+    if (share < 0.0) share = 0.0;
+  }
+  layer_c = static_cast<float>(layer_c + share * coverage);
+  if (layer_c > 1.0f) layer_c = 1.0f;
   if (d < layer_distance[row][col]) layer_distance[row][col] = d;
   if (anti_alias) {
     if (static_cast<float>(near) < layer_near[row][col])
@@ -362,10 +369,10 @@ void object_contour::add_sample_adjacent(int row, int col, const double* radianc
   }
   for (int band = 0; band < n_bands_; band++) {
     float& value = layer_radiance[band][row][col];
-    value = static_cast<float>(value + radiance[band]);
+    value = static_cast<float>(value + share * radiance[band]);
   }
   if (matte_target != nullptr) {
-    matte_target->accumulate(row, col, object, 1.0, 1.0, layer_c, coverage,
+    matte_target->accumulate(row, col, object, share, 1.0, layer_c, coverage,
                              layer_distance[row][col], radiance, sample);
   }
 }

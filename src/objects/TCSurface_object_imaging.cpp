@@ -285,11 +285,13 @@ int TCSurface_object::surface_in_view(const TCView& view, int side) const {
   }
   float low = 0.0f, high = 0.0f;
   lattice->height_range(low, high);
-  // The smallest zenith angle at or past a right angle: every ray looks up.
-  const double top_zenith = std::acos(highest > 1.0 ? 1.0 : highest);
-  const double bottom_zenith = std::acos(lowest < -1.0 ? -1.0 : lowest);
-  if (side > 0 && camera.z > high && top_zenith >= 1.57079632675) return 0;
-  if (side < 0 && camera.z < low && bottom_zenith <= 1.57079632675) return 0;
+  // From above, nothing to draw when even the lowest ray looks up (its
+  // zenith angle is at most a right angle); from below, when even the
+  // highest looks down.
+  const double lowest_ray_zenith = std::acos(lowest < -1.0 ? -1.0 : lowest);
+  const double highest_ray_zenith = std::acos(highest > 1.0 ? 1.0 : highest);
+  if (side > 0 && camera.z > high && lowest_ray_zenith <= 1.57079632675) return 0;
+  if (side < 0 && camera.z < low && highest_ray_zenith >= 1.57079632675) return 0;
   return 1;
 }
 

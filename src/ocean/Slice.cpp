@@ -256,6 +256,8 @@ void Slice::initialize_fov(const TCView& view) {
     TCVector d;
     surface_object->direction_to_object(TCVector(centre[3], centre[4], centre[5]), d);
     const double tau_centre = square_place(d.x, d.y);
+    const double phi_center = std::atan2(d.y, d.x);
+    double phi_min = phi_center, phi_max = phi_center;
     tau_min = tau_centre;
     tau_max = tau_centre;
     const int n_edge = 2 * (steps_a + steps_e);
@@ -289,13 +291,21 @@ void Slice::initialize_fov(const TCView& view) {
       while (tau <= tau_centre - 4.0) tau += 8.0;
       tau_min = smaller(tau_min, tau);
       tau_max = larger(tau_max, tau);
+      double phi = std::atan2(d.y, d.x);
+      while (phi > phi_center + 3.1415926535) phi -= 6.283185307;
+      while (phi <= phi_center - 3.1415926535) phi += 6.283185307;
+      phi_min = smaller(phi_min, phi);
+      phi_max = larger(phi_max, phi);
     }
     if (tau_max - tau_min >= 7.5) full_turn = 1;
     if (verbose) {
-      std::cout << "quads : " << static_cast<int>(std::floor(tau_min * 0.5)) % 4 << " "
-                << static_cast<int>(std::floor(tau_max * 0.5)) % 4 << std::endl;
-      std::cout << "phiCenter = " << tau_centre << " phiMax = " << tau_max << std::endl;
-      std::cout << "phiMin = " << tau_min << std::endl;
+      // The sides of the square ring the fov crosses: 0 east, 1 north,
+      // 2 west, 3 south.
+      const int quad_first = ((static_cast<int>(std::floor(tau_min * 0.5)) % 4) + 4) % 4;
+      const int quad_last = ((static_cast<int>(std::floor(tau_max * 0.5)) % 4) + 4) % 4;
+      std::cout << "quads : " << quad_first << " " << quad_last << std::endl;
+      std::cout << "phiCenter = " << phi_center << " phiMax = " << phi_max << std::endl;
+      std::cout << "phiMin = " << phi_min << std::endl;
     }
   }
   if (full_turn) {

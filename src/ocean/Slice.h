@@ -83,6 +83,12 @@ class Slice {
   // The ridge before anything is drawn: two sentinels far below.
   void clear_ridge();
 
+  // One triangle of a band (side-multiplied coordinates): drawn unless a
+  // vertex is missing, it faces away (the first ring excepted) or the ridge
+  // hides it; horizon selects the horizon slot.
+  void draw_triangle(const Ring_vertex* const t[3], int first_ring, TCView& view,
+                     object_contour& contour, int horizon);
+
   static const int most_ridge_polygon_points = 50;
 
  private:
@@ -96,8 +102,6 @@ class Slice {
   // The triangles between the previous ring and ring k, zipped by their
   // place around the ring; horizon selects the horizon slot.
   void draw_band(int k, int first_ring, TCView& view, object_contour& contour, int horizon);
-  void draw_triangle(const Ring_vertex* const t[3], int first_ring, TCView& view,
-                     object_contour& contour, int horizon);
   // The last ring carried out to where its lines of sight meet the horizon.
   void build_horizon_ring(int from, int to, const TCView& view);
   void walk(TCView& view, object_contour& contour);
