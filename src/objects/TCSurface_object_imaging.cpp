@@ -225,9 +225,10 @@ void TCSurface_object::horizon_triangle(TCView& view, object_contour& contour,
 void TCSurface_object::matte_triangle(TCView& view, object_contour& contour,
                                       const TCSurface_vertex triangle[3], const TCPolygon& visible,
                                       int side) {
+  const int was = mattes_only;
   mattes_only = 1;
   image_triangle(view, contour, triangle, visible, side);
-  mattes_only = 0;
+  mattes_only = was;
 }
 
 int TCSurface_object::surface_side(const TCView& view) const {
@@ -332,8 +333,11 @@ void TCSurface_object::image_mattes(TCView& view, object_contour& contour) {
     mattes_only = 0;
     return;
   }
+  // The horizon band goes through its own slot: the flag covers it too.
+  mattes_only = 1;
   Slice slice(lattice, sampler_points(view), this, side, view);
   slice.run_mattes(view, contour);
+  mattes_only = 0;
 }
 
 void TCSurface_object::image_below_plane(TCView& view, object_contour& contour) {

@@ -312,3 +312,321 @@ TEST(SeaSampler, HorizonOfARoundSeaDipsAsTheSphereDoes) {
 }
 
 }  // namespace
+
+namespace {
+
+// A camera of the reference over the reference lattice, with the sampler
+// built for it but not run.
+struct Sampler_case {
+  Sampler_case(const std::string& name, int periodic = 1) : sea(0, 1500) {
+    set_camera(reference().cameras.at(name), view);
+    if (!periodic) sea.lattice.periodic_x = sea.lattice.periodic_y = 0;
+    spectrum.band_id[0] = 1;
+    spectrum.band_id[1] = 2;
+    spectrum.band_id[2] = 3;
+  }
+  Sea sea;
+  TCView view;
+  TCSpectrum spectrum{3};
+};
+
+TEST(SeaSampler, StraightDownViewKeepsTheRidgeEmptyAndDrawsEveryTriangleWhole) {
+  Sampler_case b("b");
+  testing::internal::CaptureStdout();
+  Slice slice(&b.sea.lattice, b.sea.surface->sampler_points(b.view), b.sea.surface, 1, b.view);
+  EXPECT_EQ(slice.straight_down, 1);
+  EXPECT_EQ(slice.full_turn, 1);
+  object_contour contour(b.view.n_rows, b.view.n_cols, &b.spectrum, 0.0f, 0, nullptr, nullptr);
+  slice.run(b.view, contour);
+  const std::string out = testing::internal::GetCapturedStdout();
+  EXPECT_EQ(slice.n_ridge, 2);
+  EXPECT_EQ(slice.ridge_y[0], -99999999.0);
+  EXPECT_EQ(slice.ridge_y[1], -99999999.0);
+  EXPECT_GT(b.sea.surface->triangles, 100);
+  EXPECT_NE(out.find("fov sees straight down (up)\n"), std::string::npos) << out;
+  EXPECT_NE(out.find("fov is above the surface \nstartR = 0\nendR =   "), std::string::npos) << out;
+  EXPECT_NE(out.find("extending to horizon\n"), std::string::npos);
+  // A triangle that passes whole reaches the surface as its own three
+  // corners; every piece of this view is one.
+  Sampler_case again("b");
+  const Ring_vertex corners[3] = {{10.0, 10.0, 0, 0, 0, 0, 0, 1},
+                                  {20.0, 10.0, 1, 0, 0, 1, 0, 1},
+                                  {15.0, 20.0, 0, 1, 0, 0, 1, 1}};
+  const Ring_vertex* t[3] = {&corners[0], &corners[1], &corners[2]};
+  TCPolygon visible;
+  ASSERT_TRUE(slice.clip_to_ridge(t, visible));
+  ASSERT_EQ(visible.size(), 3);
+  for (int k = 0; k < 3; k++) {
+    EXPECT_EQ(visible.x[k], corners[k].x);
+    EXPECT_EQ(visible.y[k], corners[k].y);
+  }
+}
+
+TEST(SeaSampler, ViewAcrossTheSeaBuildsARidgeAndSaysSo) {
+  Sampler_case a("a");
+  testing::internal::CaptureStdout();
+  Slice slice(&a.sea.lattice, a.sea.surface->sampler_points(a.view), a.sea.surface, 1, a.view);
+  object_contour contour(a.view.n_rows, a.view.n_cols, &a.spectrum, 0.0f, 0, nullptr, nullptr);
+  slice.run(a.view, contour);
+  const std::string out = testing::internal::GetCapturedStdout();
+  EXPECT_EQ(slice.straight_down, 0);
+  EXPECT_GT(slice.n_ridge, 2);
+  EXPECT_NE(out.find("fov does not see straight down\nquads : 0 0\nphiCenter = 0 phiMax = "),
+            std::string::npos)
+      << out;
+  EXPECT_NE(out.find("current Radius = 10 out of "), std::string::npos) << out;
+  EXPECT_NE(out.find("  increment = 1\n"), std::string::npos) << out;
+  EXPECT_NE(out.find("  increment = 2\n"), std::string::npos) << out;
+}
+
+TEST(SeaSampler, FirstRingTrianglesSkipTheFacingTest) {
+  Sampler_case a("a");
+  Slice slice(&a.sea.lattice, a.sea.surface->sampler_points(a.view), a.sea.surface, 1, a.view);
+  object_contour contour(a.view.n_rows, a.view.n_cols, &a.spectrum, 0.0f, 0, nullptr, nullptr);
+  // Turning clockwise on the picture: facing away.
+  const Ring_vertex corners[3] = {{10.0, 10.0, 0, 0, 0, 0, 0, 1},
+                                  {15.0, 20.0, 0, 1, 0, 0, 1, 1},
+                                  {20.0, 10.0, 1, 0, 0, 1, 0, 1}};
+  const Ring_vertex* t[3] = {&corners[0], &corners[1], &corners[2]};
+  slice.draw_triangle(t, 0, a.view, contour, 0);
+  EXPECT_EQ(a.sea.surface->triangles, 0);
+  slice.draw_triangle(t, 1, a.view, contour, 0);
+  EXPECT_EQ(a.sea.surface->triangles, 1);
+  // A missing corner keeps even a first-ring triangle out.
+  Ring_vertex lost = corners[1];
+  lost.valid = 0;
+  const Ring_vertex* u[3] = {&corners[0], &lost, &corners[2]};
+  slice.draw_triangle(u, 1, a.view, contour, 0);
+  EXPECT_EQ(a.sea.surface->triangles, 1);
+}
+
+TEST(SeaSampler, RingsBeyondAPeriodicLatticeWrapOntoItsNodes) {
+  Sampler_case b("b");
+  Slice slice(&b.sea.lattice, b.sea.surface->sampler_points(b.view), b.sea.surface, 1, b.view);
+  ASSERT_TRUE(slice.build_ring(0, 100, 4, b.view));
+  ASSERT_EQ(slice.n_ring_points[0], 8 * 25 + 1);  // a whole turn, closed
+  const Reference& r = reference();
+  for (int k = 0; k < slice.n_ring_points[0]; k++) {
+    const Ring_vertex& v = slice.ring[0][k];
+    ASSERT_TRUE(v.valid) << k;
+    EXPECT_TRUE(std::llabs(v.i - slice.center_i) == 100 || std::llabs(v.j - slice.center_j) == 100);
+    // The node's height is that of the lattice node it wraps onto.
+    const long long i = ((v.i % 64) + 64) % 64, j = ((v.j % 64) + 64) % 64;
+    const double h = r.heights[i + 64 * j];
+    double e = 0.0, a = 0.0;
+    ASSERT_TRUE(b.view.project(TCVector(v.u - 32.0, v.v - 32.0, h), e, a));
+    const double x = (a - b.view.first_azimuth) / b.view.step_azimuth;
+    EXPECT_NEAR(v.x, x, 1e-6 * (1.0 + std::fabs(x))) << k;
+  }
+}
+
+TEST(SeaSampler, CoarseRingNodesAreAmongTheFineRingsNodes) {
+  // Whole rings (the view sees straight down), where the stride first
+  // doubles, at both strides.
+  Sampler_case b("b");
+  Slice slice(&b.sea.lattice, b.sea.surface->sampler_points(b.view), b.sea.surface, 1, b.view);
+  int sample = 0, stride = 0;
+  b.sea.lattice.index_to_sample(16, sample, stride);
+  ASSERT_EQ(sample, 16);
+  ASSERT_TRUE(slice.build_ring(0, sample, 1, b.view));
+  ASSERT_TRUE(slice.build_ring(1, sample, 2, b.view));
+  EXPECT_EQ(slice.n_ring_points[0], 8 * 16 + 1);
+  EXPECT_EQ(slice.n_ring_points[1], 8 * 8 + 1);
+  ASSERT_GT(slice.n_ring_points[1], 3);
+  for (int k = 0; k < slice.n_ring_points[1]; k++) {
+    const Ring_vertex& coarse = slice.ring[1][k];
+    int found = 0;
+    for (int l = 0; l < slice.n_ring_points[0] && !found; l++)
+      found = slice.ring[0][l].i == coarse.i && slice.ring[0][l].j == coarse.j;
+    EXPECT_TRUE(found) << "node " << coarse.i << " " << coarse.j;
+  }
+}
+
+TEST(SeaSampler, RidgeKeepsItsLastSentinelUntilSomethingIsDrawnAcrossIt) {
+  Sampler_case a("a");
+  Slice slice(&a.sea.lattice, 64, a.sea.surface, 1, a.view);
+  EXPECT_EQ(slice.n_ridge, 2);
+  EXPECT_EQ(slice.ridge_x[1], -99999999.0);
+  const double xs[3] = {30.0, 20.0, 10.0}, ys[3] = {5.0, 7.0, 6.0};
+  slice.merge_into_ridge(xs, ys, 3);
+  EXPECT_EQ(slice.ridge_x[slice.n_ridge - 1], -99999999.0);
+  EXPECT_EQ(slice.ridge_y[slice.n_ridge - 1], -99999999.0);
+  EXPECT_EQ(slice.ridge_x[0], 99999999.0);
+  // In between, the line itself, with a drop at each end.
+  int cursor = 0;
+  EXPECT_DOUBLE_EQ(TCInterp_help8(slice.ridge_x, slice.ridge_y, slice.n_ridge, 25.0, cursor), 6.0);
+  for (int k = 0; k + 1 < slice.n_ridge; k++) EXPECT_GE(slice.ridge_x[k], slice.ridge_x[k + 1]);
+  // A line across the sentinel's column replaces it.
+  const double wide_x[2] = {5.0, -199999999.0}, wide_y[2] = {1.0, 1.0};
+  slice.merge_into_ridge(wide_x, wide_y, 2);
+  cursor = 0;
+  EXPECT_EQ(TCInterp_help8(slice.ridge_x, slice.ridge_y, slice.n_ridge, -99999999.0, cursor), 1.0);
+}
+
+TEST(SeaSampler, RidgeTakesTheHigherLineAndTheirCrossing) {
+  Sampler_case a("a");
+  Slice slice(&a.sea.lattice, 64, a.sea.surface, 1, a.view);
+  const double xs[2] = {10.0, 0.0}, ys[2] = {0.0, 10.0};
+  slice.merge_into_ridge(xs, ys, 2);
+  const double xs2[2] = {10.0, 0.0}, ys2[2] = {10.0, 0.0};
+  slice.merge_into_ridge(xs2, ys2, 2);
+  int cursor = 0;
+  // Max of y = 10 - x and y = x: 10 - x right of 5... mirrored: a tent.
+  for (double x : {0.0, 2.5, 5.0, 7.5, 10.0}) {
+    const double expected = x > 5.0 ? x : 10.0 - x;
+    EXPECT_NEAR(TCInterp_help8(slice.ridge_x, slice.ridge_y, slice.n_ridge, x, cursor), expected,
+                1e-12)
+        << x;
+  }
+}
+
+TEST(SeaSampler, TriangleBelowTheRidgeIsHiddenAndOneAcrossItIsCut) {
+  Sampler_case a("a");
+  Slice slice(&a.sea.lattice, 64, a.sea.surface, 1, a.view);
+  const double xs[2] = {100.0, -100.0}, ys[2] = {10.0, 10.0};
+  slice.merge_into_ridge(xs, ys, 2);
+  const Ring_vertex low[3] = {
+      {0.0, 0.0, 0, 0, 0, 0, 0, 1}, {8.0, 0.0, 0, 0, 0, 0, 0, 1}, {4.0, 9.0, 0, 0, 0, 0, 0, 1}};
+  const Ring_vertex* t[3] = {&low[0], &low[1], &low[2]};
+  TCPolygon visible;
+  EXPECT_FALSE(slice.clip_to_ridge(t, visible));
+  const Ring_vertex across[3] = {
+      {0.0, 0.0, 0, 0, 0, 0, 0, 1}, {8.0, 0.0, 0, 0, 0, 0, 0, 1}, {4.0, 20.0, 0, 0, 0, 0, 0, 1}};
+  const Ring_vertex* u[3] = {&across[0], &across[1], &across[2]};
+  ASSERT_TRUE(slice.clip_to_ridge(u, visible));
+  // The tip above row 10: half the height, a quarter of the area.
+  EXPECT_NEAR(visible.area(), 0.25 * 80.0, 1e-9);
+}
+
+TEST(SeaSampler, InterpolationRefusesFewerThanTwoPoints) {
+  const double x[1] = {1.0}, y[1] = {2.0};
+  int cursor = 0;
+  testing::internal::CaptureStderr();
+  EXPECT_EQ(TCInterp_help8(x, y, 1, 0.5, cursor), 0.0);
+  EXPECT_EQ(testing::internal::GetCapturedStderr(),
+            "Error: Interpolating into 1 points in TCInterp_help8\n");
+}
+
+TEST(SeaSampler, ColumnOffTheRidgeIsReportedAndTheSearchGoesOnFromTheStart) {
+  Sampler_case a("a");
+  Slice slice(&a.sea.lattice, 64, a.sea.surface, 1, a.view);
+  testing::internal::CaptureStderr();
+  EXPECT_EQ(slice.get_ridge_point(2.0e8, 1), 0);
+  EXPECT_EQ(testing::internal::GetCapturedStderr(),
+            "\n->TCError in Slice::get_ridge_point : opps! missed the ridgeline!!\n");
+}
+
+TEST(SeaSamplerDeathTest, RidgeOverflowEndsTheRun) {
+  Sampler_case a("a");
+  Slice slice(&a.sea.lattice, 16, a.sea.surface, 1, a.view);  // room for 64 points
+  std::vector<double> xs, ys;
+  for (int k = 0; k < 100; k++) {
+    xs.push_back(100.0 - k);
+    ys.push_back(k % 2 ? 5.0 : 6.0);
+  }
+  EXPECT_EXIT(slice.merge_into_ridge(xs.data(), ys.data(), 100), testing::ExitedWithCode(1),
+              "ridge array too small ");
+}
+
+TEST(SeaSamplerDeathTest, RidgeTooDetailedUnderOneTriangleEndsTheRun) {
+  Sampler_case a("a");
+  Slice slice(&a.sea.lattice, 64, a.sea.surface, 1, a.view);
+  std::vector<double> xs, ys;
+  for (int k = 0; k < 60; k++) {
+    xs.push_back(60.0 - k);
+    ys.push_back(k % 2 ? 5.0 : 6.0);
+  }
+  slice.merge_into_ridge(xs.data(), ys.data(), 60);
+  const Ring_vertex wide[3] = {
+      {0.0, 0.0, 0, 0, 0, 0, 0, 1}, {60.0, 0.0, 0, 0, 0, 0, 0, 1}, {30.0, 20.0, 0, 0, 0, 0, 0, 1}};
+  const Ring_vertex* t[3] = {&wide[0], &wide[1], &wide[2]};
+  TCPolygon visible;
+  EXPECT_EXIT(slice.clip_to_ridge(t, visible), testing::ExitedWithCode(1),
+              "nRidgePoly > MAXPOINTS ");
+}
+
+TEST(SeaSampler, RingLongerThanItsRoomIsCutShortWithAMessage) {
+  Sampler_case b("b");
+  Slice slice(&b.sea.lattice, 16, b.sea.surface, 1, b.view);  // 32 vertices a ring
+  testing::internal::CaptureStdout();
+  ASSERT_TRUE(slice.build_ring(0, 40, 1, b.view));
+  EXPECT_EQ(testing::internal::GetCapturedStdout(), "maxed out in get new slice \n");
+  EXPECT_EQ(slice.n_ring_points[0], 32);
+}
+
+TEST(SeaSampler, LatticeThatDoesNotRepeatEndsWithoutAHorizon) {
+  Sampler_case a("a", 0);
+  Slice slice(&a.sea.lattice, a.sea.surface->sampler_points(a.view), a.sea.surface, 1, a.view);
+  // Camera over node (32, 32): rings reach the far edge, 32 nodes on.
+  EXPECT_EQ(slice.start_ring, 0);
+  EXPECT_EQ(slice.end_ring, 33);
+  object_contour contour(a.view.n_rows, a.view.n_cols, &a.spectrum, 0.0f, 0, nullptr, nullptr);
+  slice.run(a.view, contour);
+  EXPECT_GT(a.sea.surface->triangles, 0);
+  EXPECT_EQ(a.sea.surface->horizon_pieces, 0);
+}
+
+TEST(SeaSampler, CameraOutsideALatticeThatDoesNotRepeatStartsAtItsEdge) {
+  Sampler_case a("a", 0);
+  a.view.set_pose(TCVector(-60.0, 5.0, 3.0), 1.7104226669055556, 0.0, 0.0);
+  Slice slice(&a.sea.lattice, a.sea.surface->sampler_points(a.view), a.sea.surface, 1, a.view);
+  // Node column -28: 28 nodes short of the lattice, 91 from its far side.
+  EXPECT_EQ(slice.center_i, -28);
+  EXPECT_EQ(slice.start_ring, 28);
+  EXPECT_EQ(slice.end_ring, 92);
+}
+
+TEST(SeaSampler, NothingIsDrawnWhenEveryRayLooksUpFromAboveTheWaves) {
+  Sampler_case a("a");
+  a.view.set_pose(TCVector(0.0, 0.0, 3.0), 0.3, 0.0, 0.0);
+  object_contour contour(a.view.n_rows, a.view.n_cols, &a.spectrum, 0.0f, 0, nullptr, nullptr);
+  testing::internal::CaptureStdout();
+  a.sea.surface->image_surface(a.view, contour);
+  EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
+  EXPECT_EQ(a.sea.surface->triangles, 0);
+}
+
+TEST(SeaSampler, MattePassCoversAsThePictureDoesWithoutRadiance) {
+  Sampler_case a("a");
+  object_contour picture(a.view.n_rows, a.view.n_cols, &a.spectrum, 0.0f, 0, nullptr, nullptr);
+  object_contour mattes(a.view.n_rows, a.view.n_cols, &a.spectrum, 0.0f, 0, nullptr, nullptr);
+  a.sea.surface->image_surface(a.view, picture);
+  a.sea.surface->image_mattes(a.view, mattes);
+  int covered = 0;
+  for (int row = 0; row < a.view.n_rows; row++) {
+    for (int col = 0; col < a.view.n_cols; col++) {
+      EXPECT_EQ(mattes.layer_coverage[row][col], picture.layer_coverage[row][col]);
+      EXPECT_EQ(mattes.layer_radiance[0][row][col], 0.0f);
+      covered += picture.layer_coverage[row][col] > 0.0f;
+    }
+  }
+  EXPECT_GT(covered, 100);
+}
+
+TEST(SeaSampler, FromBelowEachRisingRayMeetsThePlaneOfTheWaterOverTheCamera) {
+  Sampler_case a("a");
+  // Under node (32, 32), 2 m down, looking 30 degrees up.
+  const double under = reference().heights[32 + 64 * 32];
+  a.view.set_pose(TCVector(0.0, 0.0, under - 2.0), 1.0471975511666667, 0.0, 0.0);
+  a.sea.surface->underwater_plane = 1;
+  object_contour contour(a.view.n_rows, a.view.n_cols, &a.spectrum, 0.0f, 0, nullptr, nullptr);
+  a.sea.surface->image_surface(a.view, contour);
+  EXPECT_EQ(a.sea.surface->triangles, 0);  // no sampler
+  for (int row = 0; row < a.view.n_rows; row++) {
+    for (int col = 0; col < a.view.n_cols; col++) {
+      TCRay ray;
+      a.view.pixel_ray(row, col, ray);
+      const float cover = contour.layer_coverage[row][col];
+      if (!(ray[5] > 0.0)) {
+        EXPECT_EQ(cover, 0.0f) << row << " " << col;
+        continue;
+      }
+      ASSERT_EQ(cover, 1.0f) << row << " " << col;
+      const double t = 2.0 / ray[5];
+      EXPECT_NEAR(contour.layer_radiance[0][row][col], ray[3] * t, 1e-4);
+      EXPECT_NEAR(contour.layer_radiance[1][row][col], ray[4] * t, 1e-4);
+    }
+  }
+}
+
+}  // namespace
