@@ -9,7 +9,7 @@ BENCH_BUILD ?= build-bench
 FUZZ_SECONDS ?= 60
 EXAMPLE ?= all
 
-.PHONY: demo check deps build build-sanitize test test-sanitize fuzz fuzz-build fuzz-smoke format format-check bench bench-light
+.PHONY: demo check deps build build-sanitize test test-sanitize fuzz fuzz-build fuzz-smoke format format-check bench bench-light bench-frame
 
 # Builds only the engine and the viewer, renders examples/$(EXAMPLE) (every
 # example when not given) into out/<example>/ and writes PNG previews there.
@@ -61,6 +61,12 @@ bench-light: deps
 	cmake -S . -B $(BENCH_BUILD) -DCMAKE_BUILD_TYPE=RelWithDebInfo
 	cmake --build $(BENCH_BUILD) -j$(JOBS) --target ocean_light_benchmark
 	$(BENCH_BUILD)/bench/ocean_light_benchmark $(BENCH_ARGS)
+
+# A whole sea frame through the engine at several sizes (docs/performance.md).
+bench-frame: deps
+	cmake -S . -B $(BENCH_BUILD) -DCMAKE_BUILD_TYPE=RelWithDebInfo
+	cmake --build $(BENCH_BUILD) -j$(JOBS) --target sea_frame_benchmark
+	$(BENCH_BUILD)/bench/sea_frame_benchmark --benchmark_counters_tabular=true $(BENCH_ARGS)
 
 format:
 	clang-format-14 -i $$(git ls-files '*.cpp' '*.h')
