@@ -19,6 +19,9 @@ namespace {
 
 const double pi = 3.1415926535;
 const double half_pi = 1.57079632675;
+// The matte code with a place in the record and no name: the fixed colour
+// of saturated glints goes there.
+const int saturation_colour_code = 15;
 const double root_two_pi = 2.5066283;
 
 // Axis ends of the light tables.
@@ -607,6 +610,7 @@ void TCOcean::surface_radiance(const TCRay& ray, const TCVector& point, const TC
   }
   double* total = band_radiance;
   double* glitter = work_glitter;
+  int colour_taken = 0;  // a saturated glint took its fixed colour
   double* table_total = work_table;
   double* table_reflectance = work_matte;
   const double c = -normal.dot(view);
@@ -732,6 +736,7 @@ void TCOcean::surface_radiance(const TCRay& ray, const TCVector& point, const TC
           if (sub_saturation_scale != nullptr) glitter[band] *= sub_saturation_scale[band];
         } else if (saturation_value != nullptr) {
           glitter[band] = saturation_value[band];
+          colour_taken = 1;
         }
       }
     }
@@ -758,6 +763,9 @@ void TCOcean::surface_radiance(const TCRay& ray, const TCVector& point, const TC
       matte_values[n_bands * 6 + band] = static_cast<float>(refracted[band]);
       matte_values[n_bands * 12 + band] = static_cast<float>(glitter[band]);
       matte_values[n_bands * 17 + band] = static_cast<float>(texture_out[band]);
+      // The fixed colour of a saturated glint, in the record's unnamed place.
+      matte_values[n_bands * saturation_colour_code + band] =
+          colour_taken ? static_cast<float>(saturation_value[band]) : 0.0f;
     }
   }
 }

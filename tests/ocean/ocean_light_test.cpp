@@ -327,6 +327,15 @@ TEST(OceanLight, SaturationBandUnderThresholdScalesEveryBand) {
   EXPECT_NEAR(mattes[2 * 12 + 0], plain[0] * 1000.0 * 0.5,
               1e-6 * plain[0] * 1000.0);  // mattes are floats
   EXPECT_NEAR(mattes[2 * 12 + 1], plain[1] * 1000.0 * 0.25, 1e-6 * plain[1] * 1000.0);
+  // Under the threshold no fixed colour.
+  mattes[2 * 15 + 0] = mattes[2 * 15 + 1] = -1.0f;
+  {
+    Stream_capture quiet(std::cout);
+    ocean.surface_radiance(TCRay(TCVector(0, 0, 10), TCVector(0, 0, -1)), TCVector(0, 0, 0),
+                           TCVector(0, 0, 1), spectrum, 1, mattes.data(), 1.0);
+  }
+  EXPECT_EQ(mattes[2 * 15 + 0], 0.0f);
+  EXPECT_EQ(mattes[2 * 15 + 1], 0.0f);
   // Over the threshold the fixed colour.
   ocean.saturation_threshold = 0.0;
   {
@@ -336,6 +345,9 @@ TEST(OceanLight, SaturationBandUnderThresholdScalesEveryBand) {
   }
   EXPECT_EQ(mattes[2 * 12 + 0], 100.0f);
   EXPECT_EQ(mattes[2 * 12 + 1], 200.0f);
+  // The colour itself goes to the record's unnamed place, code 15.
+  EXPECT_EQ(mattes[2 * 15 + 0], 100.0f);
+  EXPECT_EQ(mattes[2 * 15 + 1], 200.0f);
 }
 
 }  // namespace
