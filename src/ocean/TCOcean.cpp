@@ -15,6 +15,7 @@
 #include "TCDisturbed_grid.h"
 #include "TCHeight_grid.h"
 #include "TCJerlov_water.h"
+#include "TCMatte_fields.h"
 #include "TCObject_kinds.h"
 #include "TCOcean_words.h"
 #include "TCScene_tracer.h"
@@ -32,6 +33,8 @@ namespace {
 
 const double unbounded = 99999999.0;
 const double degrees_per_radian = 180.0 / 3.1415926535;
+// The matte of the boat hulls and their water lines.
+const int hull_matte_code = 21;
 
 // Lattice steps in a distance, held to what an int can count.
 int steps_in(double distance, double spacing) {
@@ -1088,4 +1091,18 @@ void TCOcean::print_parameters(std::ostream& out) const {
     out << "Max Range for sunbeam imaging: " << 0.0 << " meters."
         << "\n";
   }
+}
+
+void TCOcean::image_contour(TCView& view, object_contour& contour) {
+  image_hull_matte(view, contour);
+  TCSurface_object::image_contour(view, contour);
+}
+
+void TCOcean::image_hull_matte(TCView&, object_contour& contour) {
+  int first = 0, count = 0;
+  if (contour.matte_target == nullptr ||
+      !contour.matte_target->is_wanted(object_id, hull_matte_code, first, count))
+    return;
+  std::cout << "generating boat hull matte " << std::endl;
+  std::cout << "done generating boat hull matte " << std::endl;
 }

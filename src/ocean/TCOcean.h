@@ -88,6 +88,12 @@ class TCOcean : public TCSurface_object {
                         double footprint) override;
   void set_footprint(double scale) override;
   void set_reflection_footprint(double scale) override;
+  // The hull matte first, when the camera asks for it, then the surface.
+  void image_contour(TCView& view, object_contour& contour) override;
+  // Projects the last boat's or wake's hull into the hull matte. No field
+  // in this build carries a hull, so the matte stays empty; the two lines
+  // still frame the step.
+  void image_hull_matte(TCView& view, object_contour& contour);
   // Reflectance of unpolarised light arriving at angle (radians, pi minus
   // the angle of incidence from the side the index is given for) on a
   // boundary of relative index n.

@@ -13,6 +13,7 @@
 #include "../objects/box_test_boxes.h"
 #include "TCBand.h"
 #include "TCMatte_fields.h"
+#include "TCMatte_input.h"
 #include "TCObject_list.h"
 #include "TCOcean.h"
 #include "TCSgi_image.h"
@@ -21,6 +22,7 @@
 #include "TCTexture_plane.h"
 #include "TCVector.h"
 #include "TCWave_spectrum.h"
+#include "object_contour.h"
 #include "ocean_input.h"
 #include "ocean_test_records.h"
 #include "scratch_folder.h"
@@ -668,6 +670,55 @@ TEST(OceanLight, ATextureTakesThePictureOfEachFrame) {
   EXPECT_NE(out.text().find("Error updating texture\n"), std::string::npos) << out.text();
   ocean.texture_planes[0]->sample_point(colour, 0.0, 0.0, 0.5, 1);
   EXPECT_NEAR(colour[0], 200.0, 1.0);
+}
+
+}  // namespace
+
+namespace {
+
+TEST(OceanLight, HullMatteIsFramedByItsTwoLinesAndStaysEmptyWithoutABoat) {
+  LightSea sea(light_ocean("1.34", 1, "glitter:  no\n"));
+  ASSERT_EQ(sea.built, 1) << sea.printed;
+  TCOcean& ocean = *sea.ocean;
+  std::istringstream text(
+      "use_mattes: 1\n"
+      "  NObjects: 1\n"
+      "    Object: sea\n"
+      "      NMattes: 1\n"
+      "        hull_line_water_line\n");
+  TCMatte_input request;
+  ASSERT_TRUE(request.read(text));
+  request.object_indices[0] = ocean.get_object_id();
+  TCMatte_fields fields;
+  fields.set_sizes(40, ocean.get_object_id() + 1);
+  fields.prepare(4, 4, 1, request);
+  int plane = -1, count = 0;
+  ASSERT_TRUE(fields.is_wanted(ocean.get_object_id(), 21, plane, count));
+  TCSpectrum spectrum(1);
+  spectrum.band_id[0] = 1;
+  // A camera over the water looking up: no water in view.
+  TCView view;
+  view.set_pose(TCVector(0.0, 0.0, 10.0), 0.2, 0.0, 0.0);
+  view.set_grid(4, -0.1, 0.1, 4, -0.1, 0.1);
+  object_contour contour(4, 4, &spectrum, 0.0f, 0, &fields, nullptr);
+  Stream_capture out(std::cout);
+  ocean.image_contour(view, contour);
+  EXPECT_EQ(out.text(), "generating boat hull matte \ndone generating boat hull matte \n");
+  for (int k = 0; k < 16; k++) EXPECT_EQ(fields.planes[ocean.get_object_id()][plane][k], 0.0f);
+}
+
+TEST(OceanLight, NoHullLinesWhenTheMatteIsNotAskedFor) {
+  LightSea sea(light_ocean("1.34", 1, "glitter:  no\n"));
+  ASSERT_EQ(sea.built, 1) << sea.printed;
+  TCSpectrum spectrum(1);
+  spectrum.band_id[0] = 1;
+  TCView view;
+  view.set_pose(TCVector(0.0, 0.0, 10.0), 0.2, 0.0, 0.0);
+  view.set_grid(4, -0.1, 0.1, 4, -0.1, 0.1);
+  object_contour contour(4, 4, &spectrum, 0.0f, 0, nullptr, nullptr);
+  Stream_capture out(std::cout);
+  sea.ocean->image_contour(view, contour);
+  EXPECT_EQ(out.text(), "");
 }
 
 }  // namespace
