@@ -188,7 +188,8 @@ class TCSurface_object : public box_class {
   // 0 for a degenerate triangle or a point over no water.
   int water_under(const TCSurface_vertex triangle[3], double px, double py, TCVector& point) const;
   // The last step of shading a pixel piece: the light at point (object frame)
-  // with normal, into the contour with coverage area and the depth range.
+  // with normal, into the contour with coverage area and the depth range
+  // (near and far squared, as the contour keeps them; distance in metres).
   // corners (xs, ys) go to the textures. 0 when the point gives no ray.
   int shade_piece(TCView& view, object_contour& contour, TCMatte_sample& matte, double* sample,
                   int row, int col, const TCVector& point, double area, double near,

@@ -84,7 +84,7 @@ int TCSurface_object::shade_piece(TCView& view, object_contour& contour, TCMatte
   direction = direction * (1.0 / length);
   if (matte.on) {
     matte.clear();
-    matte.set_distance(distance);
+    matte.set_distance(distance * distance);
   }
   set_pixel_polygon(corners, xs, ys);
   TCVector in_box = point - box_centre;
@@ -97,7 +97,8 @@ int TCSurface_object::shade_piece(TCView& view, object_contour& contour, TCMatte
     sample[b] = mattes_only ? 0.0 : spectrum.radiance_in_band[b] * area;
   // Pieces of the surface in one pixel tile it: their coverages add.
   contour.add_sample_adjacent(row - view.whole_first_row, col - view.whole_first_col, sample, near,
-                              distance, far, area, object_id, matte.on ? &matte : nullptr);
+                              distance * distance, far, area, object_id,
+                              matte.on ? &matte : nullptr);
   return 1;
 }
 
@@ -145,7 +146,8 @@ void TCSurface_object::image_triangle(TCView& view, object_contour& contour,
       TCVector point;
       if (!water_under(triangle, cx, cy, point)) continue;
       const TCVector gap = point - camera;
-      const double near = std::sqrt(nearest), far = std::sqrt(farthest);
+      // The contour keeps squared distances.
+      const double near = nearest, far = farthest;
       const double distance = std::sqrt(gap.dot(gap));
       if (!contour.pixel_wanted(row - view.whole_first_row, col - view.whole_first_col, near, far))
         continue;
@@ -210,11 +212,12 @@ void TCSurface_object::horizon_triangle(TCView& view, object_contour& contour,
       const TCVector point(x, y, lattice->height_at(x, y, 0) - lattice->z_offset);
       const TCVector gap = point - camera;
       const double distance = std::sqrt(gap.dot(gap));
-      if (!contour.pixel_wanted(row - view.whole_first_row, col - view.whole_first_col, distance,
-                                distance))
+      const double squared = gap.dot(gap);
+      if (!contour.pixel_wanted(row - view.whole_first_row, col - view.whole_first_col, squared,
+                                squared))
         continue;
       const double xs[1] = {x}, ys[1] = {y};
-      shade_piece(view, contour, matte, sample, row, col, point, area, distance, distance, distance,
+      shade_piece(view, contour, matte, sample, row, col, point, area, squared, distance, squared,
                   1, xs, ys, side);
     }
   }
@@ -368,10 +371,11 @@ void TCSurface_object::image_below_plane(TCView& view, object_contour& contour) 
       const TCVector point(x, y, z);
       const TCVector gap = point - camera;
       const double distance = std::sqrt(gap.dot(gap));
-      if (!contour.pixel_wanted(row, col, distance, distance)) continue;
+      const double squared = gap.dot(gap);
+      if (!contour.pixel_wanted(row, col, squared, squared)) continue;
       const double xs[1] = {x}, ys[1] = {y};
-      shade_piece(view, contour, matte, sample, whole_row, whole_col, point, 1.0, distance,
-                  distance, distance, 1, xs, ys, -1);
+      shade_piece(view, contour, matte, sample, whole_row, whole_col, point, 1.0, squared, distance,
+                  squared, 1, xs, ys, -1);
     }
   }
   matte_fields = nullptr;

@@ -630,3 +630,48 @@ TEST(SeaSampler, FromBelowEachRisingRayMeetsThePlaneOfTheWaterOverTheCamera) {
 }
 
 }  // namespace
+
+namespace {
+
+TEST(SeaSampler, SeaStandsBehindANearerObjectAndInFrontOfAFartherOne) {
+  const Reference_camera& c = reference().cameras.at("a");
+  Sea sea(0, 1500);
+  TCView view;
+  set_camera(c, view);
+  TCSpectrum spectrum(3);
+  for (int b = 0; b < 3; b++) spectrum.band_id[b] = b + 1;
+  float** out = new float*[3];
+  for (int b = 0; b < 3; b++) out[b] = new float[view.n_rows * view.n_cols]();
+  {
+    object_contour contour(view.n_rows, view.n_cols, &spectrum, out, 0.0f, 0, nullptr, nullptr);
+    // Something 20 m off in every pixel, painted first (squared distances).
+    const double wall[3] = {-1.0, -1.0, -1.0};
+    for (int row = 0; row < view.n_rows; row++)
+      for (int col = 0; col < view.n_cols; col++)
+        contour.add_sample(row, col, wall, 400.0, 400.0, 400.0, 1.0, 1, nullptr);
+    contour.merge_layer();
+    sea.surface->image_surface(view, contour);
+    contour.merge_layer();
+  }
+  int near_seen = 0, far_hidden = 0;
+  for (int row = 0; row < c.rows; row++) {
+    for (int col = 0; col < c.cols; col++) {
+      double spread = 0.0, range = 0.0;
+      if (!interior(c, row, col, spread, range)) continue;
+      const float x = out[0][row * c.cols + col];
+      if (range < 15.0) {
+        EXPECT_NE(x, -1.0f) << "sea at " << range << " m hidden, row " << row << " col " << col;
+        near_seen++;
+      } else if (range > 25.0) {
+        EXPECT_EQ(x, -1.0f) << "sea at " << range << " m in front, row " << row << " col " << col;
+        far_hidden++;
+      }
+    }
+  }
+  EXPECT_GT(near_seen, 50);
+  EXPECT_GT(far_hidden, 50);
+  for (int b = 0; b < 3; b++) delete[] out[b];
+  delete[] out;
+}
+
+}  // namespace
