@@ -8,6 +8,8 @@ Writes the named textures (all when none is named) into FOLDER:
     sky.rgb    256 x 256  the skydome: blue zenith, warm horizon, a low sun to +x, cloud bands
     sea.rgb    256 x 256  a picture laid flat: water with wave crests and the sun's path along x
     chart.rgb  128 x 96   a picture stood upright: colour bars over a grey ramp, on a grid
+    swell_mound.hdf       a height map for a sea's height_grid: a 2.5 m mound, 128 x 128
+                          nodes (written only when named, or when FOLDER's files name it)
 
 Every value is worked out from closed formulas (no random numbers), so every
 run writes the same bytes. Bytes 0 to 255 stand for values 0 to 1, which each
@@ -119,7 +121,42 @@ def chart(columns=128, rows=96):
     return colour
 
 
+def swell_mound(n=128):
+    """Heights in metres on an n by n lattice of 1 m, node (i, j) at i + n j:
+    a round mound 2.5 m high with an 8 m Gaussian radius, centred, so that it
+    is far below a millimetre at the map's edges and joins the sea without a step."""
+    j, i = numpy.mgrid[0:n, 0:n].astype(numpy.float64)
+    c = 0.5 * (n - 1)
+    return 2.5 * numpy.exp(-((i - c) ** 2 + (j - c) ** 2) / (2.0 * 8.0 ** 2))
+
+
+def write_hdf(path, heights):
+    """One rank-2 float32 data set, rows first, as the engine's height grids read it.
+    pyhdf is imported here so that the textures alone need only numpy."""
+    from pyhdf.SD import SD, SDC
+
+    sd = SD(path, SDC.WRITE | SDC.CREATE | SDC.TRUNC)
+    rows, columns = heights.shape
+    sds = sd.create("heights", SDC.FLOAT32, (rows, columns))
+    sds[:] = heights.astype(numpy.float32)
+    sds.endaccess()
+    sd.end()
+
+
 TEXTURES = {"sky.rgb": sky, "sea.rgb": sea, "chart.rgb": chart}
+HEIGHTS = {"swell_mound.hdf": swell_mound}
+
+
+def named_in(folder, name):
+    """Whether any file of the folder mentions the name (a detail file naming its HDF)."""
+    for entry in os.listdir(folder):
+        path = os.path.join(folder, entry)
+        if entry == name or not os.path.isfile(path):
+            continue
+        with open(path, "rb") as f:
+            if name.encode() in f.read():
+                return True
+    return False
 
 
 def main(argv):
@@ -127,15 +164,20 @@ def main(argv):
         sys.stderr.write(__doc__)
         return 2
     folder = argv[1]
-    names = argv[2:] or sorted(TEXTURES)
-    for name in names:
-        if name not in TEXTURES:
-            sys.stderr.write("make_textures.py: no texture %s (have %s)\n"
-                             % (name, " ".join(sorted(TEXTURES))))
-            return 2
     os.makedirs(folder, exist_ok=True)
+    names = argv[2:]
+    if not names:
+        names = sorted(TEXTURES) + [h for h in sorted(HEIGHTS) if named_in(folder, h)]
     for name in names:
-        write_sgi(os.path.join(folder, name), TEXTURES[name]())
+        if name not in TEXTURES and name not in HEIGHTS:
+            sys.stderr.write("make_textures.py: no texture %s (have %s)\n"
+                             % (name, " ".join(sorted(TEXTURES) + sorted(HEIGHTS))))
+            return 2
+    for name in names:
+        if name in TEXTURES:
+            write_sgi(os.path.join(folder, name), TEXTURES[name]())
+        else:
+            write_hdf(os.path.join(folder, name), HEIGHTS[name]())
     return 0
 
 
