@@ -656,7 +656,7 @@ void TCOcean::surface_radiance(const TCRay& ray, const TCVector& point, const TC
     }
     if (side == -1) {
       for (int band = 0; band < n_bands; band++) {
-        if (c < snell_cosine[band]) reflectance[band] = 1.0;
+        if (c > snell_cosine[band]) reflectance[band] = 1.0;
       }
     }
     const int trace_reflected = side == 1 ? (include & 1) : (include & 2);

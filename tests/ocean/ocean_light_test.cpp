@@ -722,3 +722,38 @@ TEST(OceanLight, NoHullLinesWhenTheMatteIsNotAskedFor) {
 }
 
 }  // namespace
+
+namespace {
+
+TEST(OceanLight, FromBelowOnlyRaysPastTheCriticalAngleAreWhollyReflected) {
+  LightSea sea(light_ocean("1.34", 1, "glitter:  no\n"));
+  ASSERT_EQ(sea.built, 1) << sea.printed;
+  TCOcean& ocean = *sea.ocean;
+  ocean.table_level = 0;
+  TCSpectrum spectrum(1);
+  spectrum.band_id[0] = 1;
+  std::vector<float> mattes(40, 0.0f);
+  // Critical angle for n = 1.34: acos(sqrt(1 - 1 / 1.34^2)) = 48.3 degrees
+  // from the vertical. A view 20 degrees from straight up passes the
+  // surface in part; one 70 degrees from it is wholly reflected.
+  for (double degrees : {20.0, 70.0}) {
+    const double a = degrees * 0.017453292519444445;
+    const TCVector up(std::sin(a), 0.0, std::cos(a));
+    {
+      Stream_capture quiet(std::cout);
+      ocean.surface_radiance(TCRay(TCVector(0, 0, -5), up), TCVector(0, 0, 0), TCVector(0, 0, 1),
+                             spectrum, -1, mattes.data(), 1.0);
+    }
+    const float reflectance = mattes[3];
+    if (degrees < 48.0) {
+      // Fresnel from the water side at 20 degrees is about 0.02 (the
+      // averaged table from below keeps only mirror rays that rise, so it
+      // may give less).
+      EXPECT_LT(reflectance, 0.05f) << degrees;
+    } else {
+      EXPECT_EQ(reflectance, 1.0f) << degrees;
+    }
+  }
+}
+
+}  // namespace
