@@ -461,6 +461,10 @@ int TCOcean::construct(const ocean_input& input) {
               << "\n";
     std::exit(1);
   }
+  // Views off the water are reflected views: objects shown only in
+  // reflections draw there, and not in the camera's own view.
+  reflected_contour->level = 1;
+  refracted_contour->level = 1;
   if (verbose) print_parameters(std::cout);
   return 1;
 }
