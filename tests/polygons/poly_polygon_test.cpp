@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <fstream>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -137,6 +138,95 @@ TEST(PolyPolygon, InsideTestCountsCrossingsOfANonConvexOutline) {
   EXPECT_TRUE(polygon.contains(TCVector(1.5, 0.5, 0)));
   EXPECT_FALSE(polygon.contains(TCVector(1.5, 1.5, 0)));
   EXPECT_TRUE(polygon.contains(TCVector(2.0, 0.5, 0)));  // on an edge
+}
+
+}  // namespace
+
+namespace {
+
+// Planar polygons of an independent script: normal, plane and texture
+// gradients as the script worked them out.
+struct Reference_polygon {
+  int index = 0;
+  std::string kind;
+  std::vector<Poly_point_record> points;
+  TCVector normal;
+  double plane_d = 0.0;
+  int valid = 0;
+  TCVector gu, gv;
+};
+
+std::vector<Reference_polygon> reference_planes() {
+  std::vector<Reference_polygon> out;
+  std::ifstream in(TC_TEST_DATA_DIR "/polygons/plane_reference.txt");
+  std::string line;
+  Reference_polygon current;
+  while (std::getline(in, line)) {
+    if (line.empty() || line[0] == '#') continue;
+    std::istringstream words(line);
+    std::string what;
+    words >> what;
+    if (what == "polygon") {
+      current = Reference_polygon();
+      int n = 0;
+      words >> current.index >> current.kind >> n;
+    } else if (what == "vertex") {
+      Poly_point_record r;
+      words >> r.p.x >> r.p.y >> r.p.z >> r.u >> r.v;
+      r.has_texture = 1;
+      r.has_normal = 0;
+      current.points.push_back(r);
+    } else if (what == "normal") {
+      words >> current.normal.x >> current.normal.y >> current.normal.z >> current.plane_d;
+    } else if (what == "valid") {
+      words >> current.valid;
+    } else if (what == "gradients") {
+      words >> current.gu.x >> current.gu.y >> current.gu.z >> current.gv.x >> current.gv.y >>
+          current.gv.z;
+    } else if (what == "end") {
+      out.push_back(current);
+    }
+  }
+  return out;
+}
+
+TEST(PolyPolygon, PlanesAndTextureFitsMatchTheIndependentScript) {
+  const std::vector<Reference_polygon> planes = reference_planes();
+  ASSERT_EQ(planes.size(), 43u);
+  int degenerate = 0;
+  for (const Reference_polygon& r : planes) {
+    std::vector<Poly_point_record> points = r.points;
+    std::vector<int> ids;
+    for (size_t k = 0; k < points.size(); k++) ids.push_back(static_cast<int>(k));
+    Poly_source source = {0, {0, 0, 0, 0}, static_cast<int>(ids.size()), ids.data()};
+    TCPoly_Polygon polygon;
+    Stream_capture quiet(std::cerr);
+    const int usable =
+        polygon.setPolygon(source, points.data(), static_cast<int>(points.size()), r.index, 1);
+    ASSERT_EQ(usable, r.valid) << r.index << " " << r.kind;
+    if (!r.valid) {
+      degenerate++;
+      EXPECT_EQ(polygon.flags, TCPoly_Polygon::not_imaged);
+      continue;
+    }
+    EXPECT_NEAR(polygon.normal.x, r.normal.x, 1e-12) << r.index;
+    EXPECT_NEAR(polygon.normal.y, r.normal.y, 1e-12) << r.index;
+    EXPECT_NEAR(polygon.normal.z, r.normal.z, 1e-12) << r.index;
+    EXPECT_NEAR(polygon.plane_d, r.plane_d, 1e-9) << r.index;
+    const double scale_u = 1.0 + std::sqrt(r.gu.dot(r.gu));
+    const double scale_v = 1.0 + std::sqrt(r.gv.dot(r.gv));
+    for (int a = 0; a < 3; a++) {
+      EXPECT_NEAR(polygon.u_gradient[a], r.gu[a], 1e-9 * scale_u) << r.index << " axis " << a;
+      EXPECT_NEAR(polygon.v_gradient[a], r.gv[a], 1e-9 * scale_v) << r.index << " axis " << a;
+    }
+    for (const Poly_point_record& p : r.points) {
+      double u = 0.0, v = 0.0;
+      polygon.texture_at(p.p, u, v);
+      EXPECT_NEAR(u, p.u, 1e-9) << r.index;
+      EXPECT_NEAR(v, p.v, 1e-9) << r.index;
+    }
+  }
+  EXPECT_EQ(degenerate, 3);
 }
 
 }  // namespace
