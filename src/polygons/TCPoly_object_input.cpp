@@ -96,6 +96,9 @@ void clear_surface(Poly_surface_input& surface) {
 
 }  // namespace
 
+const int TCPoly_object_input::most_surfaces;
+const int TCPoly_object_input::most_changes;
+
 TCPoly_object_input::TCPoly_object_input()
     : scale_flag(0),
       scale_x(1.0),

@@ -19,8 +19,8 @@ struct Poly_surface_input {
 
 // A change to one surface of an OBJ mesh, made when the object starts.
 struct Poly_surface_change {
-  int surface;  // index
-  int kind;     // 3 "off", 1 "texture", 2 "color"
+  int surface;       // index
+  int kind;          // 3 "off", 1 "texture", 2 "color"
   double values[3];  // u and v scales, or red, green, blue
 };
 
@@ -48,7 +48,7 @@ class TCPoly_object_input : public box_input {
 
   int scale_flag;
   double scale_x, scale_y, scale_z;
-  int image_flag;        // 1 "all", 2 "primary", 3 "secondary" / "reflections"
+  int image_flag;  // 1 "all", 2 "primary", 3 "secondary" / "reflections"
   int image_level;
   int object_file_type;  // 1 "poly", 2 "obj"
 
