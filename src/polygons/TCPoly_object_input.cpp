@@ -350,7 +350,7 @@ int TCPoly_object_input::write_stream(std::ostream& out) const {
       out << "number_modified: " << n_modified << "\n";
       for (int i = 0; i < n_modified && i < most_changes; i++) {
         const Poly_surface_change& change = changes[i];
-        out << "surface: " << change.surface << "  modify_kind: " << modify_word(change.kind);
+        out << "surface: " << change.surface << " modify_kind: " << modify_word(change.kind);
         const int n_values = change.kind == 1 ? 2 : (change.kind == 2 ? 3 : 0);
         for (int k = 0; k < n_values; k++) out << " " << change.values[k];
         out << "\n";

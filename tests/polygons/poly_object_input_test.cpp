@@ -680,9 +680,9 @@ TEST(PolyObjectInput, WrittenObjBlockHasModificationsAndOrder) {
             "obj_offset: -1 0 4.5\n"
             "modify_surfaces: 1\n"
             "number_modified: 3\n"
-            "surface: 4  modify_kind: off\n"
-            "surface: 0  modify_kind: texture 0.5 2\n"
-            "surface: 2  modify_kind: color 0.9 0.8 0.7\n"
+            "surface: 4 modify_kind: off\n"
+            "surface: 0 modify_kind: texture 0.5 2\n"
+            "surface: 2 modify_kind: color 0.9 0.8 0.7\n"
             "number_ordered: 3 2 0 1\n"
             "end\n");
 }
