@@ -43,6 +43,8 @@ const char* object_kind_word(int type_code) {
       return "blob_lite";
     case TC_KIND_SPRAY_LITE:
       return "spray_lite";
+    case TC_KIND_POLY:
+      return "poly";
     default:
       return "type_name";
   }
