@@ -16,8 +16,8 @@ const int poly_file_version = 3;
 
 const int name_size = 256;
 
-// Word tables. Each prints its own complaint for a word it does not know
-// and gives -1.
+// Word tables: -1 for a word not in the table. The file type and shading
+// tables print their own complaint; for the others the caller does.
 int image_flag_code(const std::string& word) {
   if (word == "all") return 1;
   if (word == "primary") return 2;
@@ -60,11 +60,6 @@ const char* modify_word(int code) {
   if (code == 1) return "texture";
   if (code == 2) return "color";
   return "off";
-}
-
-// The word after a dropped label; empty when the stream has none.
-std::string keyed_word(std::istream& in) {
-  return read_keyed_text(in);
 }
 
 void read_keyed_triple(std::istream& in, double* values) {
@@ -183,6 +178,10 @@ int TCPoly_object_input::parse_stream(std::istream& in, int& fatal) {
   modify_surfaces = 0;
   n_modified = 0;
   obj_file[0] = '\0';
+  for (int k = 0; k < 3; k++) {
+    obj_scale[k] = 1.0;
+    obj_offset[k] = 0.0;
+  }
 
   skip_token(in);
   read_int(in, scale_flag);
@@ -196,7 +195,7 @@ int TCPoly_object_input::parse_stream(std::istream& in, int& fatal) {
   image_flag = 1;
   image_level = 0;
   if (file_version >= 2) {
-    const std::string word = keyed_word(in);
+    const std::string word = read_keyed_text(in);
     image_flag = image_flag_code(word);
     if (image_flag < 0) {
       std::cout << "Texture map input has invalid imageflag: " << word << "\n";
@@ -208,7 +207,7 @@ int TCPoly_object_input::parse_stream(std::istream& in, int& fatal) {
 
   object_file_type = 1;
   if (file_version >= 3) {
-    object_file_type = file_type_code(keyed_word(in));
+    object_file_type = file_type_code(read_keyed_text(in));
     if (object_file_type < 0) return 0;
   }
 
@@ -240,10 +239,10 @@ int TCPoly_object_input::read_surface_list(std::istream& in, int& fatal) {
     Poly_surface_input& surface = surfaces[i];
     clear_surface(surface);
     surface.image_flag = image_flag;
-    surface.surface_file_type = file_type_code(keyed_word(in));
+    surface.surface_file_type = file_type_code(read_keyed_text(in));
     if (surface.surface_file_type < 0) return 0;
     read_keyed_word(in, surface.surface_file, name_size);
-    const std::string shading = keyed_word(in);
+    const std::string shading = read_keyed_text(in);
     surface.shading_model = shading_code(shading);
     if (surface.shading_model < 0) {
       std::cout << "Error processing polygon file: \n";
@@ -288,7 +287,7 @@ int TCPoly_object_input::read_obj_block(std::istream& in) {
       change.surface = 0;
       for (int k = 0; k < 3; k++) change.values[k] = 0.0;
       read_keyed_int(in, change.surface);
-      const std::string word = keyed_word(in);
+      const std::string word = read_keyed_text(in);
       change.kind = modify_code(word);
       if (change.kind < 0) {
         std::cout << "Error reading poly input: Invalid surface modification: " << word << "\n";

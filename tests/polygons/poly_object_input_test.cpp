@@ -198,6 +198,8 @@ TEST(PolyObjectInput, VersionOneFileHasNeitherImageFlagNorTypeWordsAndIsAllPolyT
   EXPECT_EQ(record.n_modified, 0);
   EXPECT_EQ(record.modify_surfaces, 0);
   EXPECT_STREQ(record.obj_file, "");
+  EXPECT_EQ(record.obj_scale[2], 1.0);
+  EXPECT_EQ(record.obj_offset[0], 0.0);
   ASSERT_EQ(record.n_surfaces, 1);
   const Poly_surface_input& s = record.surfaces[0];
   EXPECT_EQ(s.surface_file_type, 1);
