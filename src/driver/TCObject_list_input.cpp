@@ -12,6 +12,7 @@
 #include "TCData_file.h"
 #include "TCObject_input.h"
 #include "TCObject_kinds.h"
+#include "TCPoly_object_input.h"
 #include "TCStar_input.h"
 #include "Thermal_box_input.h"
 #include "ocean_input.h"
@@ -42,6 +43,8 @@ const char* object_kind_word(int type_code) {
       return "blob_lite";
     case TC_KIND_SPRAY_LITE:
       return "spray_lite";
+    case TC_KIND_POLY:
+      return "poly";
     default:
       return "type_name";
   }
@@ -123,9 +126,12 @@ TCObject_input* TCObject_list_input::new_object_record(int type_code, Record_sta
     case TC_KIND_AIR:
       record = new (std::nothrow) TCAir_input;
       break;
+    case TC_KIND_POLY:
+      record = new (std::nothrow) TCPoly_object_input;
+      break;
 
       // Kinds with records of their own come here as their classes are added:
-      // cloud 1, land 2, spray 8, blob 10, poly 19. Caustic 15 and code
+      // cloud 1, land 2, spray 8, blob 10. Caustic 15 and code
       // 12 never get one.
 
     default:

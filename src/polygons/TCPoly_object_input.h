@@ -36,7 +36,14 @@ class TCPoly_object_input : public box_input {
   int read_file(const char* path) override;
   int write_file(const char* path) override;
   int read_objects_file(const char* path);
+  // Header to the closing word. A fault the file format calls fatal (a bad
+  // image word, surface count, shading word or surface list ending) prints
+  // its lines and ends the process with status 1; others print and give 0.
   int read_stream(std::istream& in);
+  // read_stream without ending the process: fatal is 1 when the fault is one
+  // that read_stream ends the process for. The lines printed are the same.
+  int parse_stream(std::istream& in, int& fatal);
+  // Always at the newest version, 3; reads back to the same record.
   int write_stream(std::ostream& out) const;
 
   int scale_flag;
@@ -64,6 +71,10 @@ class TCPoly_object_input : public box_input {
   static const int most_changes = 49;
 
  private:
+  // The two bodies that follow the header, each to its closing word.
+  int read_surface_list(std::istream& in, int& fatal);
+  int read_obj_block(std::istream& in);
+
   TCPoly_object_input(const TCPoly_object_input&);
   TCPoly_object_input& operator=(const TCPoly_object_input&);
 };

@@ -335,7 +335,10 @@ def main():
 
 
 # Shown files this check cannot run, and why.
-UNRUN = {}
+UNRUN = {
+    ("polygon-objects.md", "poly"): "a scene with a polygon object stops when its objects are "
+                                    "built: the runtime class is not in this build",
+}
 
 if __name__ == "__main__":
     sys.exit(main())

@@ -8,6 +8,7 @@
 #include "TCKeyframes.h"
 #include "TCObject_input.h"
 #include "TCObject_list_input.h"
+#include "TCPoly_object_input.h"
 #include "TCStar_input.h"
 #include "object_list_input_files.h"
 #include "stream_capture.h"
@@ -106,7 +107,7 @@ TEST(ObjectListBuilding, CodesThatAreNoObjectKindAreInvalid) {
 }
 
 TEST(ObjectListBuilding, KindsWithoutRecordsAreReportedByCode) {
-  const int codes[] = {1, 2, 8, 10, 12, 15, 19};
+  const int codes[] = {1, 2, 8, 10, 12, 15};
   for (int code : codes) {
     TCObject_list_input list;
     Stream_capture out(std::cout);
@@ -116,6 +117,19 @@ TEST(ObjectListBuilding, KindsWithoutRecordsAreReportedByCode) {
         << code;
     EXPECT_EQ(list.n_objects, 0);
   }
+}
+
+TEST(ObjectListBuilding, PolyKindAddsAPolygonObjectsRecordThatWritesItsWord) {
+  TCObject_list_input list;
+  Stream_capture out(std::cout);
+  TCObject_input* record = list.add_object(19, "ship", "ship.txt", 3.0, key_at(0));
+  EXPECT_EQ(out.text(), "");
+  ASSERT_NE(record, nullptr);
+  EXPECT_NE(dynamic_cast<TCPoly_object_input*>(record), nullptr);
+  EXPECT_EQ(record->type_code, 19);
+  EXPECT_STREQ(record->object_type, "poly");
+  EXPECT_STREQ(record->object_file, "ship.txt");
+  EXPECT_NE(written_list(list).find("object_type: poly\n"), std::string::npos);
 }
 
 // ---- Cameras ----

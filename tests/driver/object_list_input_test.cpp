@@ -7,6 +7,7 @@
 #include "TCCamera_input.h"
 #include "TCObject_input.h"
 #include "TCObject_list_input.h"
+#include "TCPoly_object_input.h"
 #include "object_list_input_files.h"
 #include "stream_capture.h"
 
@@ -239,13 +240,8 @@ TEST(ObjectListInputObjects, KindsWithoutRecordsAreReportedByCode) {
     const char* word;
     int code;
   };
-  const Kind kinds[] = {{"cloud", 1},
-                        {"land", 2},
-                        {"spray", 8},
-                        {"blob", 10},
-                        {"caustic", 15},
-                        {"poly", 19},
-                        {"bobbing_camera", 254},
+  const Kind kinds[] = {{"cloud", 1},   {"land", 2},     {"spray", 8},
+                        {"blob", 10},   {"caustic", 15}, {"bobbing_camera", 254},
                         {"camera", 255}};
   for (const Kind& kind : kinds) {
     TCObject_list_input list;
@@ -259,6 +255,56 @@ TEST(ObjectListInputObjects, KindsWithoutRecordsAreReportedByCode) {
         << kind.word;
     EXPECT_EQ(list.n_objects, 0) << kind.word;
   }
+}
+
+// A "poly" object gets the polygon objects record, which reads the file
+// its line names.
+TEST(ObjectListInputObjects, PolyKindMakesAPolygonObjectsRecordThatReadsItsFile) {
+  List_folder folder;
+  ASSERT_TRUE(folder.ok());
+  folder.put("ship.txt",
+             "Tidecast_data_file poly 3 3\n"
+             "scale_flag: 0\n"
+             "image_flag: reflections\n"
+             "image_level: 1\n"
+             "object_file_type: obj\n"
+             "obj_file: ship.obj\n"
+             "obj_scale: 1 1 1\n"
+             "obj_offset: 0 0 0\n"
+             "modify_surfaces: 0\n"
+             "number_ordered: 0\n"
+             "end\n");
+  TCObject_list_input list;
+  const std::string text = two_bands_no_sun() + "number_of_objects: 1\n" +
+                           object_line(2, "ship", "poly", folder.file("ship.txt").c_str(), "4") +
+                           "number_of_cameras: 0\n";
+  std::string printed;
+  ASSERT_EQ(read_list_text(list, text, printed), 1);
+  EXPECT_EQ(printed, "");
+  ASSERT_EQ(list.n_objects, 1);
+  TCPoly_object_input* ship = dynamic_cast<TCPoly_object_input*>(list.objects[0]);
+  ASSERT_NE(ship, nullptr);
+  EXPECT_EQ(ship->type_code, 19);
+  EXPECT_STREQ(ship->object_type, "poly");
+  EXPECT_STREQ(ship->object_name, "ship");
+  EXPECT_DOUBLE_EQ(ship->priority, 4.0);
+  EXPECT_EQ(ship->image_flag, 3);
+  EXPECT_EQ(ship->object_file_type, 2);
+  EXPECT_STREQ(ship->obj_file, "ship.obj");
+}
+
+TEST(ObjectListInputObjects, PolyObjectWhoseFileIsMissingFailsTheList) {
+  List_folder folder;
+  ASSERT_TRUE(folder.ok());
+  const std::string missing = folder.file("absent.txt");
+  TCObject_list_input list;
+  const std::string text = two_bands_no_sun() + "number_of_objects: 1\n" +
+                           object_line(2, "ship", "poly", missing.c_str(), "4") +
+                           "number_of_cameras: 0\n";
+  std::string printed;
+  EXPECT_EQ(read_list_text(list, text, printed), 0);
+  EXPECT_EQ(printed, "Can't open polygon objects file: " + missing +
+                         "\nunable to process input structure \n");
 }
 
 TEST(ObjectListInputObjects, NegativeObjectCountReadsAsNoObjects) {
