@@ -44,8 +44,22 @@ class TCObj_file {
   int n_corners;
   int* corners;
 
-  // Per command code (1 to 34, as the summary counts them), how many lines.
+  // Per command code (1 to 34, as the summary counts them), how many lines;
+  // counts[0] the lines of unknown words, then comments and blank lines.
   int counts[37];
+
+  static const int code_unknown = 0;
+  static const int code_comment = 35;
+  static const int code_blank_line = 36;
+  // The code of a line's first word, and the word of a code from 1 to 34.
+  static int command_code(const char* word);
+  static const char* command_word(int code);
+
+  static const int most_vertices = 50000;  // each of "v", "vt", "vn"
+  static const int most_surfaces = 50;
+  static const int most_faces_per_surface = 50000;
+  static const int most_corners = 350;  // a face must have fewer
+  static const int longest_line = 8192;
 
  private:
   void clear();
