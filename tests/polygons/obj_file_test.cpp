@@ -507,3 +507,55 @@ TEST_F(Obj_files, BinaryNoiseIsRefusedOrReadWithoutHarm) {
     }
   }
 }
+
+TEST_F(Obj_files, SquareOfTheDocsReadsAsShown) {
+  TCObj_file obj;
+  std::string printed;
+  ASSERT_EQ(read_text(obj,
+                      "# a square of two triangles, textured\n"
+                      "mtllib square.mtl\n"
+                      "o Square\n"
+                      "v 0 0 0\nv 1 0 0\nv 1 1 0\nv 0 1 0\n"
+                      "vt 0 0\nvt 1 0\nvt 1 1\nvt 0 1\n"
+                      "vn 0 0 1\n"
+                      "usemtl Sailcloth\n"
+                      "s off\n"
+                      "f 1/1/1 2/2/1 3/3/1\n"
+                      "f 1/1/1 3/3/1 4/4/1\n",
+                      printed),
+            1);
+  EXPECT_EQ(printed, opening() + "Read file: " + file_ +
+                         "\n"
+                         " OBJ file information:\n"
+                         "         4 vertices.\n"
+                         "         2 polygons.\n"
+                         "         1 textured surfaces.\n"
+                         "         OBJ smoothing groups not supported - 1 lines ignored\n"
+                         "         OBJ o command not supported (1 lines)\n"
+                         "         OBJ mtllib command not supported (1 lines)\n"
+                         "         Surface[0]: 2 polygons texture: Sailcloth.rgb Vert: 1 2 3\n");
+  EXPECT_EQ(obj.n_points, 4);
+  const int expected[6] = {0, 1, 2, 0, 2, 3};
+  for (int i = 0; i < 6; i++) EXPECT_EQ(obj.corners[i], expected[i]) << i;
+}
+
+TEST_F(Obj_files, TooManyAddedPointsEndTheRead) {
+  // Each of vertices 1 to 25000 met with texture vertices 1, 2 and 3: its
+  // own point and two added ones, 50000 added in all, the table full.
+  std::string text = repeated("v 0 0 0\n", 25001) + "vt 0 0\nvt 1 0\nvt 0 1\nusemtl m\n";
+  for (int k = 1; k <= 25000; k++) {
+    const std::string v = std::to_string(k);
+    text += "f " + v + "/1 " + v + "/2 " + v + "/3\n";
+  }
+  TCObj_file obj;
+  std::string printed;
+  ASSERT_EQ(read_text(obj, text, printed), 1);
+  EXPECT_EQ(obj.n_points, 25001 + 50000);
+  EXPECT_EQ(obj.corners[3 * 24999 + 2], 25001 + 50000 - 1);
+  EXPECT_EQ(read_text(obj, text + "f 25001/1 25001/1 25001/2\n", printed), 0);
+  EXPECT_EQ(printed, opening() +
+                         "Too many duplicate vertices!\n"
+                         "You've got too many duplicate points!: 50000\n"
+                         "Maximum points in temporary OBJ vertice list reached.\n"
+                         "Opps! Error setting polyList\n");
+}
