@@ -81,3 +81,13 @@ TEST(PointList, DuplicatesBeyondCapacityAreRefusedWithTheirMessages) {
   // What is already there is still found.
   EXPECT_EQ(points.add(2, 4, 0), -2);
 }
+
+TEST(PointList, SameTextureWithAnotherNormalIsADuplicate) {
+  Point_list points;
+  EXPECT_EQ(points.add(4, 1, 1), 4);
+  EXPECT_EQ(points.add(4, 1, 2), -1);
+  EXPECT_EQ(points.add(4, 1, 1), 4);
+  EXPECT_EQ(points.add(4, 0, 1), -2);
+  EXPECT_EQ(points.n_primary, 1);
+  EXPECT_EQ(points.n_duplicates, 2);
+}
