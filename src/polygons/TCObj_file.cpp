@@ -222,6 +222,15 @@ int TCObj_file::read(const char* path) {
     std::cout << "Error opening " << path << "\n";
     return 0;
   }
+  const int result = read_file(file, path);
+  std::fclose(file);
+  return result;
+}
+
+int TCObj_file::read_file(std::FILE* file, const char* path) {
+  clear();
+  if (file == nullptr) return 0;
+  if (path == nullptr) path = "";
 
   Triple_list vertices, texture_vertices, normals;
   Int_list faces_surface, faces_size, faces_first, face_corners;
@@ -362,7 +371,6 @@ int TCObj_file::read(const char* path) {
       ok = 0;
     }
   }
-  std::fclose(file);
   delete[] line;
   delete[] words_text;
   delete[] words;

@@ -1,6 +1,8 @@
 #ifndef TC_OBJ_FILE_H
 #define TC_OBJ_FILE_H
 
+#include <cstdio>
+
 // One Wavefront OBJ file read into points and faces, split into surfaces
 // by its "usemtl" lines. A mesh vertex met with two texture coordinates or
 // two normals becomes two points (Point_list resolves the triples).
@@ -15,6 +17,9 @@ class TCObj_file {
   // Reads path, printing what the format promises ("Opening file: ",
   // the summary, the warnings); 1, or 0 after the message of the failure.
   int read(const char* path);
+  // The same from an open file, which stays open; name is what the
+  // messages call it.
+  int read_file(std::FILE* file, const char* name);
 
   // Points, 0-based. has_texture / has_normal say whether the corner
   // triple that made the point named a "vt" / "vn".

@@ -559,3 +559,18 @@ TEST_F(Obj_files, TooManyAddedPointsEndTheRead) {
                          "Maximum points in temporary OBJ vertice list reached.\n"
                          "Opps! Error setting polyList\n");
 }
+
+TEST_F(Obj_files, AnOpenFileReadsAsItsPathDoes) {
+  const std::string p = write("open.obj", std::string(triangle_head) + "f 3 2 1\n");
+  std::FILE* f = std::fopen(p.c_str(), "r");
+  ASSERT_NE(f, nullptr);
+  TCObj_file obj;
+  Stream_capture out(std::cout);
+  EXPECT_EQ(obj.read_file(f, "named.obj"), 1);
+  std::fclose(f);
+  EXPECT_EQ(out.text().substr(0, 21), "Read file: named.obj\n");
+  EXPECT_EQ(obj.n_faces, 1);
+  EXPECT_EQ(obj.corners[0], 2);
+  EXPECT_EQ(obj.read_file(nullptr, "none"), 0);
+  EXPECT_EQ(obj.n_faces, 0);
+}
