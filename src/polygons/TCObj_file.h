@@ -1,6 +1,8 @@
 #ifndef TC_OBJ_FILE_H
 #define TC_OBJ_FILE_H
 
+#include <cstdio>
+
 // One Wavefront OBJ file read into points and faces, split into surfaces
 // by its "usemtl" lines. A mesh vertex met with two texture coordinates or
 // two normals becomes two points (Point_list resolves the triples).
@@ -15,6 +17,9 @@ class TCObj_file {
   // Reads path, printing what the format promises ("Opening file: ",
   // the summary, the warnings); 1, or 0 after the message of the failure.
   int read(const char* path);
+  // The same from an open file, which stays open; name is what the
+  // messages call it.
+  int read_file(std::FILE* file, const char* name);
 
   // Points, 0-based. has_texture / has_normal say whether the corner
   // triple that made the point named a "vt" / "vn".
@@ -44,8 +49,22 @@ class TCObj_file {
   int n_corners;
   int* corners;
 
-  // Per command code (1 to 34, as the summary counts them), how many lines.
+  // Per command code (1 to 34, as the summary counts them), how many lines;
+  // counts[0] the lines of unknown words, then comments and blank lines.
   int counts[37];
+
+  static const int code_unknown = 0;
+  static const int code_comment = 35;
+  static const int code_blank_line = 36;
+  // The code of a line's first word, and the word of a code from 1 to 34.
+  static int command_code(const char* word);
+  static const char* command_word(int code);
+
+  static const int most_vertices = 50000;  // each of "v", "vt", "vn"
+  static const int most_surfaces = 50;
+  static const int most_faces_per_surface = 50000;
+  static const int most_corners = 350;  // a face must have fewer
+  static const int longest_line = 8192;
 
  private:
   void clear();
