@@ -9,7 +9,7 @@ BENCH_BUILD ?= build-bench
 FUZZ_SECONDS ?= 60
 EXAMPLE ?= all
 
-.PHONY: demo check deps build build-sanitize test test-sanitize fuzz fuzz-build fuzz-smoke format format-check bench bench-light bench-frame
+.PHONY: demo check deps build build-sanitize test test-sanitize fuzz fuzz-build fuzz-smoke format format-check bench bench-light bench-frame bench-mesh
 
 # Builds only the engine and the viewer, renders examples/$(EXAMPLE) (every
 # example when not given) into out/<example>/ and writes PNG previews there.
@@ -67,6 +67,12 @@ bench-frame: deps
 	cmake -S . -B $(BENCH_BUILD) -DCMAKE_BUILD_TYPE=RelWithDebInfo
 	cmake --build $(BENCH_BUILD) -j$(JOBS) --target sea_frame_benchmark
 	$(BENCH_BUILD)/bench/sea_frame_benchmark --benchmark_counters_tabular=true $(BENCH_ARGS)
+
+# Imaging a 100 000-triangle polygon object at 1920 x 1080 (docs/performance.md).
+bench-mesh: deps
+	cmake -S . -B $(BENCH_BUILD) -DCMAKE_BUILD_TYPE=RelWithDebInfo
+	cmake --build $(BENCH_BUILD) -j$(JOBS) --target poly_mesh_benchmark
+	$(BENCH_BUILD)/bench/poly_mesh_benchmark --benchmark_counters_tabular=true $(BENCH_ARGS)
 
 format:
 	clang-format-14 -i $$(git ls-files '*.cpp' '*.h')

@@ -20,6 +20,8 @@
 #include "TCObject_list_input.h"
 #include "TCOcean.h"
 #include "TCPicture.h"
+#include "TCPoly_object.h"
+#include "TCPoly_object_input.h"
 #include "TCRay.h"
 #include "TCSkydome.h"
 #include "TCSolid_Box.h"
@@ -619,6 +621,8 @@ static TCObject* make_runtime_object(TCObject_input& record, int& known) {
       return new (std::nothrow) TCPicture(static_cast<const Picture_input&>(record));
     case TC_KIND_OCEAN:
       return new (std::nothrow) TCOcean(static_cast<const ocean_input&>(record));
+    case TC_KIND_POLY:
+      return new (std::nothrow) TCPoly_object(static_cast<const TCPoly_object_input&>(record));
     default:
       known = 0;
       return nullptr;

@@ -429,6 +429,8 @@ void TCPoly_object::image(TCView& view, object_contour& contour) {
 void TCPoly_object::image_polygon(const TCView& local, const TCView& view,
                                   const Poly_surface& surface, const TCPoly_Polygon& polygon) {
   if (polygon.flags == TCPoly_Polygon::not_imaged || polygon.n_vertices < 3) return;
+  // A camera sees what its rays would meet: a polygon from its front only.
+  if (!(polygon.normal.dot(local.position - polygon.vertices[0].point->p) > 0.0)) return;
   TCVector in_view[TCPoly_Polygon::most_corners];
   TCVector kept[2 * TCPoly_Polygon::most_corners];
   int behind = 0;
@@ -526,9 +528,10 @@ void TCPoly_object::image_polygon(const TCView& local, const TCView& view,
         nearest[k] = n_f;
         farthest[k] = f_f;
         middle[k] = m_f;
-      } else if (n_f <= farthest[k] * (1.0f + touching) && f_f >= nearest[k] * (1.0f - touching)) {
-        // Pieces of neighbouring polygons tile the pixel: their areas add,
-        // as far as the pixel has room.
+      } else if (cover[k] + area <= 1.0 + touching || (n_f <= farthest[k] * (1.0f + touching) &&
+                                                       f_f >= nearest[k] * (1.0f - touching))) {
+        // Pieces of neighbouring polygons tile the pixel (their areas fit in
+        // it, or their depths meet): the areas add, as far as there is room.
         double share = 1.0;
         if (cover[k] + area > 1.0) share = area > 0.0 ? (1.0 - cover[k]) / area : 0.0;
         if (share < 0.0) share = 0.0;
