@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "../objects/texture_test_pictures.h"
 #include "TCPoly_object.h"
 #include "TCPoly_object_input.h"
 #include "TCSpectrum.h"
@@ -310,6 +311,50 @@ TEST(PolyObject, NearerSurfaceHidesAFartherOneInTheSamePixels) {
   // Off the square, the red wall.
   EXPECT_NEAR(contour.layer_radiance[0][15][2], 1.0f, 1e-6);
   EXPECT_NEAR(contour.layer_radiance[1][15][2], 0.0f, 1e-6);
+}
+
+}  // namespace
+
+namespace {
+
+TEST(PolyObject, TexturedSurfaceShowsItsPictureThroughTheFittedCoordinates) {
+  // A wall facing the camera, 6 m square, its corners carrying (u, v) over
+  // the unit square: u along +x, v along +z. Its 8 by 8 picture holds one
+  // colour in each 4 by 4 quarter; picture row 0 is v = 0.
+  Scratch_folder folder;
+  const unsigned char quarter[4][3] = {{10, 20, 30}, {40, 50, 60}, {70, 80, 90}, {100, 110, 120}};
+  std::vector<unsigned char> bytes;
+  for (int b = 0; b < 3; b++)
+    for (int y = 0; y < 8; y++)
+      for (int x = 0; x < 8; x++) bytes.push_back(quarter[(x >= 4) + 2 * (y >= 4)][b]);
+  write_sgi_bytes(folder.file("paint.rgb"), 8, 8, 3, bytes);
+  put(folder.file("wall.poly"),
+      "POINTS\n1: -3 0 -3 uv(0, 0)\n2: -3 0 3 uv(0, 1)\n3: 3 0 3 uv(1, 1)\n"
+      "4: 3 0 -3 uv(1, 0)\nPOLYS\n1: 1 2 3 4\nEND\n");
+  Poly_case c;
+  c.build(folder,
+          "Tidecast_data_file poly 3 3\nscale_flag: 0\nimage_flag: all\nimage_level: 0\n"
+          "object_file_type: poly\nnumber_of_surfaces: 1\nsurface_file_type: poly\n"
+          "surface_file: " +
+              folder.file("wall.poly") + "\nshading_model: texture\ntexture_file: " +
+              folder.file("paint.rgb") + "\nsurface_color: 1 1 1\nsurface_scale: 1 1 2\nend\n");
+  ASSERT_TRUE(c.object) << c.errors;
+  ASSERT_NE(c.object->surfaces[0].texture, nullptr) << c.errors;
+  TCView view;
+  camera_on(view);
+  TCSpectrum three(3);
+  object_contour contour(30, 40, &three, 0.0f, 0, nullptr, nullptr);
+  c.object->image_contour(view, contour);
+  // 10 m off, column 10 x + 20 and row 10 z + 15: pixel (0, 5) sees
+  // x, z near -1.45 (u, v near 0.26), pixel (27, 35) near 1.25, 1.55.
+  const int pixels[4][2] = {{0, 5}, {0, 35}, {27, 5}, {27, 35}};
+  for (int q = 0; q < 4; q++) {
+    const int row = pixels[q][0], col = pixels[q][1];
+    EXPECT_NEAR(contour.layer_coverage[row][col], 1.0f, 1e-6) << q;
+    EXPECT_NEAR(contour.layer_radiance[0][row][col], quarter[q][0] / 255.0, 1e-5) << q;
+    EXPECT_NEAR(contour.layer_radiance[1][row][col], quarter[q][1] / 255.0, 1e-5) << q;
+    EXPECT_NEAR(contour.layer_radiance[2][row][col], 2.0 * quarter[q][2] / 255.0, 1e-5) << q;
+  }
 }
 
 }  // namespace
