@@ -646,6 +646,8 @@ void Slice::build_horizon_ring(int from, int to, const TCView& view) {
   const Ring_vertex* last = ring[from];
   Ring_vertex* out = ring[to];
   const int n = n_ring_points[from];
+  // A last ring cut short by its room leaves the horizon short too.
+  if (n >= 2 * max_points) std::cout << "maxed out" << std::endl;
   // Lines of sight that just graze the mean surface: level on a flat one,
   // dipping by the curvature angle on a round one.
   TCVector in_box;

@@ -675,3 +675,20 @@ TEST(SeaSampler, SeaStandsBehindANearerObjectAndInFrontOfAFartherOne) {
 }
 
 }  // namespace
+
+namespace {
+
+TEST(SeaSampler, HorizonOfARingCutShortSaysMaxedOut) {
+  // Room for 32 vertices a ring: the whole rings of a view straight down
+  // are cut short, and so is the horizon drawn from the last of them.
+  Sampler_case b("b");
+  Slice slice(&b.sea.lattice, 16, b.sea.surface, 1, b.view);
+  object_contour contour(b.view.n_rows, b.view.n_cols, &b.spectrum, 0.0f, 0, nullptr, nullptr);
+  testing::internal::CaptureStdout();
+  slice.run(b.view, contour);
+  const std::string out = testing::internal::GetCapturedStdout();
+  EXPECT_NE(out.find("maxed out in get new slice \n"), std::string::npos);
+  EXPECT_NE(out.find("extending to horizon\nmaxed out\n"), std::string::npos) << out;
+}
+
+}  // namespace
