@@ -358,3 +358,53 @@ TEST(PolyObject, TexturedSurfaceShowsItsPictureThroughTheFittedCoordinates) {
 }
 
 }  // namespace
+
+namespace {
+
+TEST(PolyObject, FloorReachingBehindTheCameraIsCutAtTheNearLimit) {
+  // A floor 1 m under the camera, from 50 m behind it to 50 m ahead,
+  // facing up (clockwise seen from above); the camera looks 30 degrees
+  // down, so every pixel of its lower half meets the floor.
+  Scratch_folder folder;
+  put(folder.file("floor.poly"),
+      "POINTS\n1: -50 -50 -1\n2: -50 50 -1\n3: 50 50 -1\n4: 50 -50 -1\nPOLYS\n1: 1 2 3 4\nEND\n");
+  Poly_case c;
+  c.build(folder, poly_objects(folder.file("floor.poly")));
+  ASSERT_TRUE(c.object) << c.errors;
+  TCView view;
+  view.set_pose(TCVector(0.0, 0.0, 0.0), 2.0943951023333334, 0.0, 0.0);
+  view.set_grid(30, -0.3, 0.3, 40, -0.4, 0.4);
+  TCSpectrum three(3);
+  object_contour contour(30, 40, &three, 0.0f, 0, nullptr, nullptr);
+  c.object->image_contour(view, contour);
+  for (int row = 0; row < 15; row++) {
+    for (int col = 0; col < 40; col++) {
+      EXPECT_NEAR(contour.layer_coverage[row][col], 1.0f, 1e-5) << row << " " << col;
+      TCRay ray;
+      view.pixel_ray(row, col, ray);
+      const double t = -1.0 / ray[5];
+      EXPECT_NEAR(contour.layer_distance[row][col], t * t, 1e-3 * t * t) << row << " " << col;
+    }
+  }
+}
+
+TEST(PolyObject, SurfaceLinePassDrawsAsThePictureDoes) {
+  Scratch_folder folder;
+  put(folder.file("cube.obj"), cube_obj);
+  Poly_case c;
+  c.build(folder, obj_objects(folder.file("cube.obj")));
+  ASSERT_TRUE(c.object);
+  TCView view;
+  camera_on(view);
+  TCSpectrum three(3);
+  object_contour picture(30, 40, &three, 0.0f, 0, nullptr, nullptr);
+  object_contour line(30, 40, &three, 0.0f, 0, nullptr, nullptr);
+  c.object->image_contour(view, picture);
+  c.object->image_surface_line(view, line);
+  EXPECT_GT(covered(picture, 30, 40), 10.0);
+  for (int row = 0; row < 30; row++)
+    for (int col = 0; col < 40; col++)
+      EXPECT_EQ(line.layer_coverage[row][col], picture.layer_coverage[row][col]);
+}
+
+}  // namespace
