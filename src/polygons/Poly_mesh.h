@@ -16,7 +16,8 @@
 //   END
 //
 // Points and polygons are kept in rings (next / previous links, the head's
-// previous being the last), in file order; ids count from 1.
+// previous being the last and the last's next the head), in file order; ids
+// count from 1. Walk them by n_points / n_polys.
 struct Poly_point {
   int id;
   double x, y, z, weight;

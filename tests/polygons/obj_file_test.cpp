@@ -574,3 +574,18 @@ TEST_F(Obj_files, AnOpenFileReadsAsItsPathDoes) {
   EXPECT_EQ(obj.read_file(nullptr, "none"), 0);
   EXPECT_EQ(obj.n_faces, 0);
 }
+
+TEST_F(Obj_files, CarriageReturnsAndTabsSeparateLikeBlanks) {
+  TCObj_file obj;
+  std::string printed;
+  ASSERT_EQ(read_text(obj,
+                      "v 0 0 0\r\nv\t1 0 0\r\nv 0 1 0\r\nvt 0 0\r\n\r\nusemtl Red\r\n"
+                      "f 1/1\t2/1 3/1\r\n",
+                      printed),
+            1)
+      << printed;
+  EXPECT_STREQ(obj.texture_names[0], "Red.rgb");
+  EXPECT_DOUBLE_EQ(obj.x[1], 1.0);
+  EXPECT_EQ(obj.counts[TCObj_file::code_blank_line], 1);
+  EXPECT_EQ(obj.face_size[0], 3);
+}
