@@ -20,6 +20,9 @@ import sys
 
 import numpy
 
+# Whether a file of the folder names a file: the textures' rule.
+from make_textures import named_in
+
 
 class Mesh:
     def __init__(self):
@@ -128,20 +131,6 @@ def ship():
 
 
 MESHES = {"ship.obj": ship}
-
-
-def named_in(folder, name):
-    for entry in os.listdir(folder):
-        path = os.path.join(folder, entry)
-        if entry == name or not os.path.isfile(path) or os.path.getsize(path) > 1 << 20:
-            continue
-        try:
-            with open(path, "r", encoding="latin-1") as f:
-                if name in f.read():
-                    return True
-        except OSError:
-            pass
-    return False
 
 
 def main(argv):

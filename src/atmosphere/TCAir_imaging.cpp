@@ -268,7 +268,7 @@ void TCAir::image_depths(const TCView& view, const object_contour& contour, int 
                          int end_col, air_table::pixel_ends& ends) {
   const int n = end_col - first_col;
   if (n <= 0 || view.whole_n_cols <= 0) return;
-  const double step = (view.whole_last_azimuth - view.whole_first_azimuth) / view.whole_n_cols;
+  const double step = view.whole_pixel_width();
   TCView part;
   part.copy(view);
   part.set_grid(view.n_rows, view.first_elevation, view.last_elevation, n,

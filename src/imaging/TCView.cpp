@@ -247,3 +247,23 @@ void TCView::update_steps() {
   step_elevation = n_rows != 0 ? (last_elevation - first_elevation) / n_rows : 0.0;
   step_azimuth = n_cols != 0 ? (last_azimuth - first_azimuth) / n_cols : 0.0;
 }
+
+double TCView::whole_pixel_width() const {
+  return (whole_last_azimuth - whole_first_azimuth) / whole_n_cols;
+}
+
+double TCView::whole_pixel_height() const {
+  return (whole_last_elevation - whole_first_elevation) / whole_n_rows;
+}
+
+int TCView::whole_window(double x0, double x1, double y0, double y1, int& row0, int& row1,
+                         int& col0, int& col1) const {
+  const int first_col = whole_first_col, first_row = whole_first_row;
+  const int last_col = first_col + n_cols, last_row = first_row + n_rows;
+  if (!(x1 >= first_col && y1 >= first_row && x0 < last_col && y0 < last_row)) return 0;
+  col0 = x0 < first_col ? first_col : static_cast<int>(std::floor(x0));
+  row0 = y0 < first_row ? first_row : static_cast<int>(std::floor(y0));
+  col1 = x1 >= last_col ? last_col - 1 : static_cast<int>(std::floor(x1));
+  row1 = y1 >= last_row ? last_row - 1 : static_cast<int>(std::floor(y1));
+  return 1;
+}

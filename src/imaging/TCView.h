@@ -26,6 +26,14 @@ class TCView {
                  double last_a, int first_row, int first_col);
   // This view with the whole picture as its grid.
   void whole_view(TCView& out) const;
+  // Plane units one pixel of the whole picture spans, across and up.
+  double whole_pixel_width() const;
+  double whole_pixel_height() const;
+  // The pixels of this view's part of the whole picture (whole-picture rows
+  // and columns) that a box of whole-picture pixel coordinates touches,
+  // clamped to the part: 0 when it touches none.
+  int whole_window(double x0, double x1, double y0, double y1, int& row0, int& row1, int& col0,
+                   int& col1) const;
   void copy(const TCView& other);
 
   // Image-plane bounds of one pixel: row spans [e0, e1] in elevation from

@@ -33,23 +33,16 @@ int pixel_window(const TCView& view, const TCPolygon& visible, int& row0, int& r
                  int& col1) {
   double x0, x1, y0, y1;
   visible.bounds(x0, x1, y0, y1);
-  const int first_col = view.whole_first_col, first_row = view.whole_first_row;
-  const int last_col = first_col + view.n_cols, last_row = first_row + view.n_rows;
-  if (!(x1 >= first_col && y1 >= first_row && x0 < last_col && y0 < last_row)) return 0;
-  col0 = x0 < first_col ? first_col : static_cast<int>(std::floor(x0));
-  row0 = y0 < first_row ? first_row : static_cast<int>(std::floor(y0));
-  col1 = x1 >= last_col ? last_col - 1 : static_cast<int>(std::floor(x1));
-  row1 = y1 >= last_row ? last_row - 1 : static_cast<int>(std::floor(y1));
-  return 1;
+  return view.whole_window(x0, x1, y0, y1, row0, row1, col0, col1);
 }
 
 // Plane units a pixel spans across, and up: the whole picture's, so that a
 // strip of it works out its pixels exactly as the whole does.
 double pixel_width(const TCView& view) {
-  return (view.whole_last_azimuth - view.whole_first_azimuth) / view.whole_n_cols;
+  return view.whole_pixel_width();
 }
 double pixel_height(const TCView& view) {
-  return (view.whole_last_elevation - view.whole_first_elevation) / view.whole_n_rows;
+  return view.whole_pixel_height();
 }
 
 }  // namespace

@@ -160,8 +160,8 @@ void Slice::clear_ridge() {
 // a sliced render computes every pixel exactly as the whole one does.
 void Slice::set_projection(const TCView& view) {
   projection_view = &view;
-  pixel_width = (view.whole_last_azimuth - view.whole_first_azimuth) / view.whole_n_cols;
-  pixel_height = (view.whole_last_elevation - view.whole_first_elevation) / view.whole_n_rows;
+  pixel_width = view.whole_pixel_width();
+  pixel_height = view.whole_pixel_height();
   first_azimuth = view.whole_first_azimuth;
   first_elevation = view.whole_first_elevation;
   surface_object->point_to_object(view.position, camera);

@@ -82,6 +82,10 @@ TCPoly_object::~TCPoly_object() {
   delete[] surfaces;
   delete[] order;
   delete[] points;
+  free_buffers();
+}
+
+void TCPoly_object::free_buffers() {
   delete[] cover;
   delete[] red;
   delete[] green;
@@ -89,6 +93,7 @@ TCPoly_object::~TCPoly_object() {
   delete[] nearest;
   delete[] farthest;
   delete[] middle;
+  cover = red = green = blue = nearest = farthest = middle = nullptr;
 }
 
 TCTexture_plane* TCPoly_object::load_texture(const char* file) {
@@ -388,13 +393,7 @@ void TCPoly_object::image(TCView& view, object_contour& contour) {
   if (!in_front) return;
   const long long size = static_cast<long long>(view.n_rows) * view.n_cols;
   if (view.n_rows != buffer_rows || view.n_cols != buffer_cols) {
-    delete[] cover;
-    delete[] red;
-    delete[] green;
-    delete[] blue;
-    delete[] nearest;
-    delete[] farthest;
-    delete[] middle;
+    free_buffers();
     cover = new (std::nothrow) float[size];
     red = new (std::nothrow) float[size];
     green = new (std::nothrow) float[size];
@@ -448,9 +447,8 @@ void TCPoly_object::image_polygon(const TCView& local, const TCView& view,
   }
   // Whole-picture pixel coordinates, so that a strip of a sliced picture
   // works out each pixel as the whole does.
-  const double pixel_a = (view.whole_last_azimuth - view.whole_first_azimuth) / view.whole_n_cols;
-  const double pixel_e =
-      (view.whole_last_elevation - view.whole_first_elevation) / view.whole_n_rows;
+  const double pixel_a = view.whole_pixel_width();
+  const double pixel_e = view.whole_pixel_height();
   TCPolygon outline;
   for (int k = 0; k < n; k++) {
     const double e = -ring[k].x / ring[k].z, a = -ring[k].y / ring[k].z;
@@ -459,16 +457,9 @@ void TCPoly_object::image_polygon(const TCView& local, const TCView& view,
   }
   double x0, x1, y0, y1;
   outline.bounds(x0, x1, y0, y1);
+  int row0 = 0, row1 = 0, col0 = 0, col1 = 0;
+  if (!view.whole_window(x0, x1, y0, y1, row0, row1, col0, col1)) return;
   const int first_col = view.whole_first_col, first_row = view.whole_first_row;
-  if (!(x1 >= first_col && y1 >= first_row && x0 < first_col + view.n_cols &&
-        y0 < first_row + view.n_rows))
-    return;
-  const int col0 = x0 < first_col ? first_col : static_cast<int>(std::floor(x0));
-  const int row0 = y0 < first_row ? first_row : static_cast<int>(std::floor(y0));
-  const int col1 = x1 >= first_col + view.n_cols ? first_col + view.n_cols - 1
-                                                 : static_cast<int>(std::floor(x1));
-  const int row1 = y1 >= first_row + view.n_rows ? first_row + view.n_rows - 1
-                                                 : static_cast<int>(std::floor(y1));
   TCPolygon piece;
   for (int row = row0; row <= row1; row++) {
     for (int col = col0; col <= col1; col++) {

@@ -78,6 +78,7 @@ class TCPoly_object : public box_class {
   void fit_box();
   TCTexture_plane* load_texture(const char* file);
   void image(TCView& view, object_contour& contour);
+  void free_buffers();
 
   // Per-pixel sums of one imaging call, over the view's window: pieces of
   // one surface that meet in a pixel add up; a piece clearly behind or in
