@@ -208,7 +208,9 @@ int TCVolume_Object_class::read_section(std::istream& in) {
   read_keyed_double(in, lattice_spacing_y);
   read_keyed_double(in, lattice_spacing_z);
   if (!read_bands(in)) return 0;
-  read_keyed_word(in, phase_function_file, text_block);
+  // A name that does not read leaves the one held.
+  char name[text_block];
+  if (read_keyed_word(in, name, text_block)) copy_text(phase_function_file, name, text_block);
   read_keyed_double(in, threshold_density);
   std::string method = read_keyed_text(in);
   if (in) scattering_method = method == "multiple" ? 1 : 0;

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "TCData_file.h"
 #include "TCVolume_Object_class.h"
 #include "scratch_folder.h"
 #include "stream_capture.h"
