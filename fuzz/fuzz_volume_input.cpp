@@ -64,6 +64,10 @@ void check_phase_file(TCVolume_Object_class& input, const std::string& text) {
   }
 }
 
+void remove_phase_file() {
+  unlink(phase_path);
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
@@ -71,6 +75,7 @@ extern "C" int LLVMFuzzerInitialize(int*, char***) {
   const int fd = mkstemp(phase_path);
   if (fd < 0) std::abort();
   close(fd);
+  std::atexit(remove_phase_file);
   return 0;
 }
 
