@@ -36,15 +36,6 @@ int pixel_window(const TCView& view, const TCPolygon& visible, int& row0, int& r
   return view.whole_window(x0, x1, y0, y1, row0, row1, col0, col1);
 }
 
-// Plane units a pixel spans across, and up: the whole picture's, so that a
-// strip of it works out its pixels exactly as the whole does.
-double pixel_width(const TCView& view) {
-  return view.whole_pixel_width();
-}
-double pixel_height(const TCView& view) {
-  return view.whole_pixel_height();
-}
-
 }  // namespace
 
 void TCSurface_object::set_pixel_polygon(int, const double*, const double*) {}
@@ -85,7 +76,7 @@ int TCSurface_object::shade_piece(TCView& view, object_contour& contour, TCMatte
   TCSpectrum& spectrum = *contour.spectrum;
   surface_radiance(TCRay(view.position, direction), in_box, normal, spectrum, side,
                    matte.on ? matte.values : nullptr,
-                   distance * (pixel_width(view) + pixel_height(view)) * 0.25);
+                   distance * (view.whole_pixel_width() + view.whole_pixel_height()) * 0.25);
   for (int b = 0; b < spectrum.n; b++)
     sample[b] = mattes_only ? 0.0 : spectrum.radiance_in_band[b] * area;
   // Pieces of the surface in one pixel tile it: their coverages add.
@@ -180,8 +171,8 @@ void TCSurface_object::horizon_triangle(TCView& view, object_contour& contour,
       double cx = 0.0, cy = 0.0;
       piece.centroid(cx, cy);
       TCRay ray;
-      view.plane_ray(view.whole_first_elevation + cy * pixel_height(view),
-                     view.whole_first_azimuth + cx * pixel_width(view), ray);
+      view.plane_ray(view.whole_first_elevation + cy * view.whole_pixel_height(),
+                     view.whole_first_azimuth + cx * view.whole_pixel_width(), ray);
       TCRay local;
       ray_to_object(ray, local);
       const double across = std::sqrt(local[3] * local[3] + local[4] * local[4]);
@@ -349,8 +340,8 @@ void TCSurface_object::image_below_plane(TCView& view, object_contour& contour) 
     for (int col = 0; col < view.n_cols; col++) {
       const int whole_row = row + view.whole_first_row, whole_col = col + view.whole_first_col;
       TCRay ray;
-      view.plane_ray(view.whole_first_elevation + (whole_row + 0.5) * pixel_height(view),
-                     view.whole_first_azimuth + (whole_col + 0.5) * pixel_width(view), ray);
+      view.plane_ray(view.whole_first_elevation + (whole_row + 0.5) * view.whole_pixel_height(),
+                     view.whole_first_azimuth + (whole_col + 0.5) * view.whole_pixel_width(), ray);
       TCRay local;
       ray_to_object(ray, local);
       // Only rays that rise meet the surface overhead: on that plane, where
