@@ -34,7 +34,7 @@ int normalise(float* values, long long count) {
 }
 
 int parameters_are_valid(double power, double length) {
-  return power > 0.0 && std::isfinite(power) && !std::isnan(length) && !std::isinf(length);
+  return power > 0.0 && std::isfinite(power) && std::isfinite(length);
 }
 
 }  // namespace
@@ -189,6 +189,13 @@ int TCFluctuation_field::evolve(double a) {
   if (!normalise(g, count)) sigma = 0.0;
   make_values();
   return 1;
+}
+
+double TCFluctuation_field::evolve_factor(double update_time, double sigma_time) {
+  if (!(sigma_time > 0.0)) return 0.0;
+  const double a = std::exp(-update_time / sigma_time);
+  if (!(a >= 0.0)) return 0.0;
+  return a > 1.0 ? 1.0 : a;
 }
 
 double TCFluctuation_field::value_at(double u, double v, double w) const {

@@ -38,6 +38,10 @@ class TCFluctuation_field {
   // keeps g, a = 0 makes a fresh field. 0 with no field, for an a outside
   // [0, 1], or when memory runs out.
   int evolve(double a);
+  // The factor a of one chunk of update_time seconds for a field that
+  // forgets itself over sigma_time seconds: exp(-update_time / sigma_time),
+  // 0 for a sigma_time of 0 or less, held within [0, 1].
+  static double evolve_factor(double update_time, double sigma_time);
 
   // f at continuous cell coordinates: cell (i, j, k) sits at (i, j, k), the
   // field repeats with the periods n_x, n_y, n_z, and between cells it is

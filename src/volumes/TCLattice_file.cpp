@@ -56,7 +56,9 @@ int read_header(FILE* file, int& n_x, int& n_y, int& n_z) {
 
 int TCLattice_file::sizes_are_valid(int n_x, int n_y, int n_z) {
   if (n_x < 1 || n_y < 1 || n_z < 1) return 0;
-  return static_cast<long long>(n_x) * n_y * n_z <= largest_count;
+  // In two steps, so that no product of three sizes can overflow.
+  const long long area = static_cast<long long>(n_x) * n_y;
+  return area <= largest_count && area * n_z <= largest_count;
 }
 
 int TCLattice_file::read_sizes(const char* path, int& n_x, int& n_y, int& n_z) {

@@ -239,6 +239,19 @@ TEST(FluctuationField, EvolveRefusesFactorsOutsideZeroToOneAndAnEmptyField) {
   EXPECT_EQ(plain_values(field), first);
 }
 
+TEST(FluctuationField, ChunkFactorIsTheExponentialOfUpdateOverSigmaTime) {
+  EXPECT_DOUBLE_EQ(TCFluctuation_field::evolve_factor(0.1, 0.1), std::exp(-1.0));
+  EXPECT_DOUBLE_EQ(TCFluctuation_field::evolve_factor(0.05, 0.2), std::exp(-0.25));
+  // No memory at all for a sigma_time of 0 or less.
+  EXPECT_EQ(TCFluctuation_field::evolve_factor(0.1, 0.0), 0.0);
+  EXPECT_EQ(TCFluctuation_field::evolve_factor(0.1, -3.0), 0.0);
+  EXPECT_EQ(TCFluctuation_field::evolve_factor(0.1, std::nan("")), 0.0);
+  // Held within [0, 1] whatever the update time.
+  EXPECT_EQ(TCFluctuation_field::evolve_factor(-1.0, 0.5), 1.0);
+  EXPECT_EQ(TCFluctuation_field::evolve_factor(1e300, 1e-300), 0.0);
+  EXPECT_EQ(TCFluctuation_field::evolve_factor(std::nan(""), 1.0), 0.0);
+}
+
 TEST(FluctuationField, SameSeedEvolvesTheSameWay) {
   TCFluctuation_field a, b;
   ASSERT_EQ(a.generate(9, 8, 7, 2.0, 0.6, 2.0, 21), 1);

@@ -211,6 +211,11 @@ TEST(LatticeFile, HostileSizesAreRefusedWithoutReadingOn) {
   EXPECT_EQ(TCLattice_file::read_sizes(path.c_str(), n_x, n_y, n_z), 0);
   EXPECT_EQ(TCLattice_file::sizes_are_valid(1024, 1024, 256), 1);
   EXPECT_EQ(TCLattice_file::sizes_are_valid(1024, 1024, 257), 0);
+  // Products of three sizes beyond what 64 bits hold: 2^63 would wrap to a
+  // negative count.
+  EXPECT_EQ(TCLattice_file::sizes_are_valid(2097152, 2097152, 2097152), 0);
+  EXPECT_EQ(TCLattice_file::sizes_are_valid(2147483647, 2147483647, 2147483647), 0);
+  EXPECT_EQ(TCLattice_file::sizes_are_valid(1095516996, 1128354900, 65536), 0);
 }
 
 TEST(LatticeFile, WriteRefusesSizesItCouldNotReadBack) {
