@@ -9,7 +9,7 @@ BENCH_BUILD ?= build-bench
 FUZZ_SECONDS ?= 60
 EXAMPLE ?= all
 
-.PHONY: demo check deps build build-sanitize test test-sanitize fuzz fuzz-build fuzz-smoke format format-check bench bench-light bench-frame bench-mesh
+.PHONY: demo check deps build build-sanitize test test-sanitize fuzz fuzz-build fuzz-smoke format format-check bench bench-light bench-frame bench-mesh bench-cloud
 
 # Builds only the engine and the viewer, renders examples/$(EXAMPLE) (every
 # example when not given) into out/<example>/ and writes PNG previews there.
@@ -73,6 +73,12 @@ bench-mesh: deps
 	cmake -S . -B $(BENCH_BUILD) -DCMAKE_BUILD_TYPE=RelWithDebInfo
 	cmake --build $(BENCH_BUILD) -j$(JOBS) --target poly_mesh_benchmark
 	$(BENCH_BUILD)/bench/poly_mesh_benchmark --benchmark_counters_tabular=true $(BENCH_ARGS)
+
+# A 1920 x 1080 frame through a 128^3 cloud, and smaller ones (docs/performance.md).
+bench-cloud: deps
+	cmake -S . -B $(BENCH_BUILD) -DCMAKE_BUILD_TYPE=RelWithDebInfo
+	cmake --build $(BENCH_BUILD) -j$(JOBS) --target cloud_frame_benchmark
+	$(BENCH_BUILD)/bench/cloud_frame_benchmark --benchmark_counters_tabular=true $(BENCH_ARGS)
 
 format:
 	clang-format-14 -i $$(git ls-files '*.cpp' '*.h')
