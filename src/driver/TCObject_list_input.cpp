@@ -4,6 +4,7 @@
 #include <new>
 
 #include "Bobbing_box_input.h"
+#include "Cloud_input.h"
 #include "Picture_input.h"
 #include "Skydome_input.h"
 #include "Solid_box_input.h"
@@ -129,10 +130,12 @@ TCObject_input* TCObject_list_input::new_object_record(int type_code, Record_sta
     case TC_KIND_POLY:
       record = new (std::nothrow) TCPoly_object_input;
       break;
+    case TC_KIND_CLOUD:
+      record = new (std::nothrow) Cloud_input;
+      break;
 
       // Kinds with records of their own come here as their classes are added:
-      // cloud 1, land 2, spray 8, blob 10. Caustic 15 and code
-      // 12 never get one.
+      // land 2, spray 8, blob 10. Caustic 15 and code 12 never get one.
 
     default:
       status = (type_code >= first_object_code && type_code <= last_object_code)
