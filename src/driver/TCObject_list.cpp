@@ -5,6 +5,7 @@
 #include <new>
 
 #include "Bobbing_box_input.h"
+#include "Cloud_input.h"
 #include "Picture_input.h"
 #include "Skydome_input.h"
 #include "Solid_box_input.h"
@@ -32,6 +33,7 @@
 #include "TCVector.h"
 #include "TCView.h"
 #include "Thermal_box_input.h"
+#include "cloud_class.h"
 #include "object_contour.h"
 #include "ocean_input.h"
 
@@ -623,6 +625,8 @@ static TCObject* make_runtime_object(TCObject_input& record, int& known) {
       return new (std::nothrow) TCOcean(static_cast<const ocean_input&>(record));
     case TC_KIND_POLY:
       return new (std::nothrow) TCPoly_object(static_cast<const TCPoly_object_input&>(record));
+    case TC_KIND_CLOUD:
+      return new (std::nothrow) cloud_class(static_cast<const Cloud_input&>(record));
     default:
       known = 0;
       return nullptr;

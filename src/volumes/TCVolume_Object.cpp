@@ -800,11 +800,10 @@ void TCVolume_Object::image_volume(TCView& view, object_contour& contour, int to
           if (scene != nullptr) {
             TCVector other;
             const int found = scene->nearest_except(object_id, centre, other);
+            // An object holding the camera (the air) bounds nothing.
             if (found > 0) {
               const TCVector gap = other - centre.origin();
               far_limit = std::sqrt(gap.dot(gap));
-            } else if (found < 0) {
-              far_limit = 0.0;
             }
           }
         } else if (rays_side == 1) {
