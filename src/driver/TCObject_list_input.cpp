@@ -34,6 +34,8 @@ const int camera_object_id = -1;
 // The word a record of a kind made here carries on its object line.
 const char* object_kind_word(int type_code) {
   switch (type_code) {
+    case TC_KIND_CLOUD:
+      return "cloud";
     case TC_KIND_WATER:
       return "water";
     case TC_KIND_FLAT_GROUND:

@@ -945,4 +945,21 @@ TEST(CloudInList, CloudWhoseFileFailsFailsTheList) {
                             "\nunable to process input structure \n");
 }
 
+TEST(CloudInList, AddedCloudIsACloudRecordThatWritesItsWord) {
+  TCObject_list_input list;
+  Stream_capture out(std::cout);
+  TCKeyframes track;
+  TCObject_input* record = list.add_object(1, "stratus", "stratus.cloud", 2.0, track);
+  EXPECT_EQ(out.text(), "");
+  ASSERT_NE(record, nullptr);
+  EXPECT_NE(dynamic_cast<Cloud_input*>(record), nullptr);
+  EXPECT_EQ(record->type_code, 1);
+  EXPECT_STREQ(record->object_type, "cloud");
+  EXPECT_STREQ(record->object_name, "stratus");
+  std::ostringstream written_list;
+  ASSERT_EQ(list.write_list(written_list), 1);
+  EXPECT_NE(written_list.str().find("object_type: cloud\n"), std::string::npos)
+      << written_list.str();
+}
+
 }  // namespace
