@@ -6,6 +6,7 @@
 #include <new>
 
 #include "TCMatte_fields.h"
+#include "TCObject_kinds.h"
 #include "TCScene_tracer.h"
 #include "TCSettings.h"
 #include "TCStar.h"
@@ -28,6 +29,13 @@ const double lattice_slack = 1e-9;
 void allocation_failed(const char* words) {
   std::cout << words << "\n";
   std::exit(1);
+}
+
+// Kinds that light passes through: they bound no march.
+int is_medium_kind(int kind) {
+  return kind == TC_KIND_AIR || kind == TC_KIND_CLOUD || kind == TC_KIND_SPRAY ||
+         kind == TC_KIND_BLOB || kind == TC_KIND_BLOB_LITE || kind == TC_KIND_SPRAY_LITE ||
+         kind == TC_KIND_THERMAL_BOX;
 }
 
 double clamp_index(double u, int n) {
@@ -641,6 +649,10 @@ double TCVolume_Object::density_column(const TCRay& object_ray, double t0, doubl
   return column;
 }
 
+int TCVolume_Object::point_inside(const TCVector&) {
+  return 0;
+}
+
 void TCVolume_Object::radiance(const TCRay& ray, TCSpectrum& out) {
   double* behind = new (std::nothrow) double[out.n > 0 ? out.n : 1];
   if (behind == nullptr)
@@ -775,6 +787,14 @@ void TCVolume_Object::image_volume(TCView& view, object_contour& contour, int to
   TCSpectrum out;
   out.assign(*spectrum);
 
+  // What can end a march: solid things, not the air, not gas or other
+  // volumes (whose boxes are mostly empty), not this volume.
+  int bounding[TCScene_tracer::max_objects];
+  for (int i = 0; i < TCScene_tracer::max_objects; i++) {
+    const int kind = scene != nullptr && i < scene->object_count() ? scene->object_kind(i) : -1;
+    bounding[i] = i != object_id && kind >= 0 && !is_medium_kind(kind);
+  }
+
   long rays = 0, pixels = 0;
   for (int row = row0; row <= row1; row++) {
     if (total_radiance_flag == 1 && contour.level == 0 && row % 10 == 0)
@@ -799,7 +819,7 @@ void TCVolume_Object::image_volume(TCView& view, object_contour& contour, int to
           if (!contour.pixel_wanted(row, col, t_in * t_in, t_out * t_out)) continue;
           if (scene != nullptr) {
             TCVector other;
-            const int found = scene->nearest_except(object_id, centre, other);
+            const int found = scene->nearest_active(bounding, centre, other);
             // An object holding the camera (the air) bounds nothing.
             if (found > 0) {
               const TCVector gap = other - centre.origin();

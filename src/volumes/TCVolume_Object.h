@@ -41,6 +41,9 @@ class TCVolume_Object : public box_class {
   // sun's beam is dimmed by), so the volume shades what lies in its shadow.
   void radiance_from(int source_object, const TCRay& ray, TCSpectrum& out) override;
   void image_contour(TCView& view, object_contour& contour) override;
+  // A medium hides nothing by holding the view: a camera inside a fog bank
+  // still sees what lies beyond it, so no point counts as inside.
+  int point_inside(const TCVector& point) override;
   void image_reflected(TCView& view, object_contour& contour) override;
   void image_surface_line(TCView& view, object_contour& contour) override;
 

@@ -6,6 +6,7 @@
 
 #include "TCMatte_fields.h"
 #include "TCMatte_input.h"
+#include "TCObject_kinds.h"
 #include "TCRay.h"
 #include "TCSettings.h"
 #include "TCSpectrum.h"
@@ -13,6 +14,7 @@
 #include "TCVolume_Object.h"
 #include "TCVolume_Object_class.h"
 #include "object_contour.h"
+#include "quiet_scene_tracer.h"
 #include "stream_capture.h"
 #include "volume_test_objects.h"
 
@@ -270,4 +272,75 @@ TEST(VolumeImaging, MattesOfOtherBandCountsAreZeroedWithAMessage) {
     EXPECT_EQ(mattes.plane(0, 0, p), 0.0f);
     EXPECT_EQ(mattes.plane(2, 0, p), 0.0f);
   }
+}
+
+namespace {
+
+// Object 0 is the volume; object 1, of the given kind, stands 15 m under
+// the slab's top along every ray straight down (z = -5).
+class Thing_inside : public Quiet_scene_tracer {
+ public:
+  explicit Thing_inside(int kind_in) : kind(kind_in), asked_for_it(0) {}
+  int object_count() const override { return 2; }
+  int object_kind(int index) const override { return index == 0 ? TC_KIND_CLOUD : kind; }
+  int nearest_active(const int* flags, const TCRay& ray, TCVector& hit) override {
+    if (!flags[1]) return 0;
+    asked_for_it++;
+    const double t = (ray[2] - (-5.0)) / -ray[5];
+    hit = TCVector(ray[0] + t * ray[3], ray[1] + t * ray[4], -5.0);
+    return 2;
+  }
+  int kind;
+  int asked_for_it;
+};
+
+}  // namespace
+
+TEST(VolumeImaging, ASolidThingInsideTheBoxEndsTheMarchWhereItStands) {
+  Lit_slab slab;
+  TCView view = view_down(2, 0.02);
+  for (int kind : {TC_KIND_SOLID_BOX, TC_KIND_CLOUD, TC_KIND_AIR}) {
+    Thing_inside scene(kind);
+    slab.volume->scene = &scene;
+    Patch patch(2, 2);
+    {
+      Stream_capture quiet(std::cout);
+      slab.volume->image_contour(view, *patch.contour);
+    }
+    TCRay ray;
+    view.pixel_ray(0, 0, ray);
+    TCSpectrum one(2);
+    one.band_id[0] = 1;
+    one.band_id[1] = 2;
+    double T[2];
+    // Solid: the path ends 15 m in; another volume or the air ends nothing.
+    const double far = kind == TC_KIND_SOLID_BOX ? (110.0 - (-5.0)) / -ray[5] : 1e8;
+    slab.volume->integrate_ray(ray, one, nullptr, far, 0, nullptr, 0, T);
+    EXPECT_NEAR(patch.contour->layer_coverage[0][0], 1.0 - 0.5 * (T[0] + T[1]), 1e-6) << kind;
+    EXPECT_EQ(scene.asked_for_it > 0, kind == TC_KIND_SOLID_BOX) << kind;
+    slab.volume->scene = nullptr;
+  }
+}
+
+TEST(VolumeImaging, AViewFromInsideSeesTheVolumeFromItsOwnPositionAndBeyond) {
+  Lit_slab slab;
+  // No point counts as inside, so the scene goes on to paint what lies
+  // beyond; the volume's own layer starts at the view.
+  EXPECT_EQ(slab.volume->point_inside(TCVector(0.0, 0.0, 0.0)), 0);
+  TCView view;
+  view.set_pose(TCVector(1.0, 2.0, 3.0), tc_pi, 0.0, 0.0);
+  view.set_grid(2, -0.02, 0.02, 2, -0.02, 0.02);
+  Patch patch(2, 2);
+  {
+    Stream_capture quiet(std::cout);
+    slab.volume->image_contour(view, *patch.contour);
+  }
+  for (int r = 0; r < 2; r++)
+    for (int c = 0; c < 2; c++) {
+      EXPECT_EQ(patch.contour->layer_distance[r][c], 0.0f);
+      // 13 m of slab below the view: 1 - mean of exp(-(a + b) 0.5 13).
+      const double expected =
+          1.0 - 0.5 * (std::exp(-0.012 * 0.5 * 13.0) + std::exp(-0.03 * 0.5 * 13.0));
+      EXPECT_NEAR(patch.contour->layer_coverage[r][c], expected, 1e-4);
+    }
 }
