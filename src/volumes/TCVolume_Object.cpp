@@ -307,61 +307,76 @@ void TCVolume_Object::walk_axis(int axis, double* column) {
   const double step_q = spacing[q] > 0.0 ? offset_q / spacing[q] : 0.0;
   const int flat_p = !(spacing[p] > 0.0) && offset_p != 0.0;
   const int flat_q = !(spacing[q] > 0.0) && offset_q != 0.0;
+  // Lattice strides of the three axes.
+  const long stride[3] = {1, n_x, static_cast<long>(n_x) * n_y};
+
+  // The plane before's mean density along the rest of the sun's path and
+  // its density, point by point (u fastest).
+  const long plane_points = static_cast<long>(n[p]) * n[q];
+  double* buffers = new (std::nothrow) double[4 * plane_points];
+  if (buffers == nullptr) allocation_failed(" memory allocation of volume failed ");
+  double* prev_mean = buffers;
+  double* prev_rho = buffers + plane_points;
+  double* cur_mean = buffers + 2 * plane_points;
+  double* cur_rho = buffers + 3 * plane_points;
 
   int index[3];
   for (int m = 0; m < n[axis]; m++) {
     const int plane = first + toward * m;  // m planes away from the sun's side
     index[axis] = plane;
-    for (int u = 0; u < n[p]; u++) {
-      for (int v = 0; v < n[q]; v++) {
+    for (int v = 0; v < n[q]; v++) {
+      for (int u = 0; u < n[p]; u++) {
         index[p] = u;
         index[q] = v;
-        const long idx = lattice_index(index[0], index[1], index[2]);
-        if (m == 0) {
-          column[idx] = 0.0;
-          continue;
-        }
+        const long idx = index[0] * stride[0] + index[1] * stride[1] + index[2] * stride[2];
+        const long here = u + static_cast<long>(n[p]) * v;
         const double rho = density_of_index(idx);
         const double remaining = sun_path(lattice_point(index[0], index[1], index[2]));
+        double value = 0.0;
         double up = u + step_p;
         double vq = v + step_q;
-        if (flat_p || flat_q || up < -lattice_slack || up > n[p] - 1 + lattice_slack ||
-            vq < -lattice_slack || vq > n[q] - 1 + lattice_slack || remaining < path) {
+        if (m == 0) {
+          value = 0.0;
+        } else if (flat_p || flat_q || up < -lattice_slack || up > n[p] - 1 + lattice_slack ||
+                   vq < -lattice_slack || vq > n[q] - 1 + lattice_slack || remaining < path) {
           // Out through a side: the path to that side alone.
-          column[idx] = rho * (remaining < path ? remaining : path);
-          continue;
-        }
-        up = clamp_index(up, n[p]);
-        vq = clamp_index(vq, n[q]);
-        int u0 = static_cast<int>(std::floor(up));
-        int v0 = static_cast<int>(std::floor(vq));
-        if (u0 > n[p] - 2) u0 = n[p] - 2;
-        if (v0 > n[q] - 2) v0 = n[q] - 2;
-        if (u0 < 0) u0 = 0;
-        if (v0 < 0) v0 = 0;
-        const double fu = n[p] > 1 ? up - u0 : 0.0;
-        const double fv = n[q] > 1 ? vq - v0 : 0.0;
-        int corner[3];
-        corner[axis] = plane - toward;
-        double mean = 0.0, prev_rho = 0.0;
-        for (int cu = 0; cu < 2; cu++) {
+          value = rho * (remaining < path ? remaining : path);
+        } else {
+          up = clamp_index(up, n[p]);
+          vq = clamp_index(vq, n[q]);
+          int u0 = static_cast<int>(std::floor(up));
+          int v0 = static_cast<int>(std::floor(vq));
+          if (u0 > n[p] - 2) u0 = n[p] - 2;
+          if (v0 > n[q] - 2) v0 = n[q] - 2;
+          if (u0 < 0) u0 = 0;
+          if (v0 < 0) v0 = 0;
+          const double fu = n[p] > 1 ? up - u0 : 0.0;
+          const double fv = n[q] > 1 ? vq - v0 : 0.0;
+          double mean = 0.0, rho_before = 0.0;
           for (int cv = 0; cv < 2; cv++) {
-            const double w = (cu ? fu : 1.0 - fu) * (cv ? fv : 1.0 - fv);
-            if (w == 0.0) continue;
-            corner[p] = u0 + cu;
-            corner[q] = v0 + cv;
-            if (corner[p] >= n[p] || corner[q] >= n[q]) continue;
-            const long c = lattice_index(corner[0], corner[1], corner[2]);
-            const double corner_rho = density_of_index(c);
-            const double corner_path = sun_path(lattice_point(corner[0], corner[1], corner[2]));
-            mean += w * (corner_path > 0.0 ? column[c] / corner_path : corner_rho);
-            prev_rho += w * corner_rho;
+            for (int cu = 0; cu < 2; cu++) {
+              const double w = (cu ? fu : 1.0 - fu) * (cv ? fv : 1.0 - fv);
+              if (w == 0.0 || u0 + cu >= n[p] || v0 + cv >= n[q]) continue;
+              const long c = (u0 + cu) + static_cast<long>(n[p]) * (v0 + cv);
+              mean += w * prev_mean[c];
+              rho_before += w * prev_rho[c];
+            }
           }
+          value = mean * (remaining - path) + 0.5 * (rho + rho_before) * path;
         }
-        column[idx] = mean * (remaining - path) + 0.5 * (rho + prev_rho) * path;
+        column[idx] = value;
+        cur_mean[here] = remaining > 0.0 ? value / remaining : rho;
+        cur_rho[here] = rho;
       }
     }
+    double* swap = prev_mean;
+    prev_mean = cur_mean;
+    cur_mean = swap;
+    swap = prev_rho;
+    prev_rho = cur_rho;
+    cur_rho = swap;
   }
+  delete[] buffers;
 }
 
 double TCVolume_Object::sun_path(const TCVector& point) const {

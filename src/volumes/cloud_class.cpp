@@ -259,26 +259,33 @@ void cloud_class::lattice_at(const TCVector& p, double& rho, double& column) con
   rho = 0.0;
   column = 0.0;
   const int n[3] = {n_x, n_y, n_z};
+  const long stride[3] = {1, n_x, static_cast<long>(n_x) * n_y};
   int i0[3];
   double f[3];
+  long step[3];
   for (int a = 0; a < 3; a++) {
     const double half = length[a] / 2;
     if (!(p[a] >= -half * 1.0001 && p[a] <= half * 1.0001)) return;
     const double u = spacing[a] > 0.0 ? (p[a] + half) / spacing[a] : 0.0;
     lower_neighbour(u, n[a], i0[a], f[a]);
+    // A lattice one point thick has no upper neighbour.
+    step[a] = n[a] > 1 ? stride[a] : 0;
   }
-  for (int c = 0; c < 8; c++) {
-    double w = 1.0;
-    int idx[3];
-    for (int a = 0; a < 3; a++) {
-      const int up = (c >> a) & 1;
-      w *= up ? f[a] : 1.0 - f[a];
-      idx[a] = i0[a] + up;
-    }
-    if (w == 0.0) continue;
-    const long k = idx[0] + static_cast<long>(n_x) * (idx[1] + static_cast<long>(n_y) * idx[2]);
-    rho += w * density[k];
-    column += w * extinction[k];
+  const long base = i0[0] + stride[1] * i0[1] + stride[2] * i0[2];
+  const long c[8] = {base,
+                     base + step[0],
+                     base + step[1],
+                     base + step[0] + step[1],
+                     base + step[2],
+                     base + step[0] + step[2],
+                     base + step[1] + step[2],
+                     base + step[0] + step[1] + step[2]};
+  const double gx = 1.0 - f[0], gy = 1.0 - f[1], gz = 1.0 - f[2];
+  const double w[8] = {gx * gy * gz,   f[0] * gy * gz,   gx * f[1] * gz,   f[0] * f[1] * gz,
+                       gx * gy * f[2], f[0] * gy * f[2], gx * f[1] * f[2], f[0] * f[1] * f[2]};
+  for (int k = 0; k < 8; k++) {
+    rho += w[k] * density[c[k]];
+    column += w[k] * extinction[c[k]];
   }
 }
 
