@@ -213,8 +213,9 @@ void cloud_class::evolve_cloud(double t) {
         current_step++;
       }
     }
+    // The sun's column is the lattice's alone: the field moving on leaves
+    // it as it is.
     blend(r);
-    density_changed = 1;
   }
   std::cout << " done evolving cloud "
             << "\n";
