@@ -524,12 +524,19 @@ int TCVolume_Object::integrate_ray(const TCRay& world_ray, TCSpectrum& out,
   const double first_e = n_bands > 0 ? e[0] : 0.0;
   long n_used = 0;
   double tau = 0.0, rho_prev = 0.0;
+  int seen_density = 0;
+  double begins = t_in;
   for (long i = 0; i < n; i++) {
     const double t = t_in + i * ds;
     const TCVector point(ray[0] + t * d.x, ray[1] + t * d.y, ray[2] + t * d.z);
     double rho = 0.0, column = 0.0;
     density_point(point, rho, column);
     if (i > 0) tau += (rho + rho_prev) * ds * 0.5;
+    // Where the density begins: the sample before the first that holds any.
+    if (rho > 0.0 && !seen_density) {
+      seen_density = 1;
+      begins = i > 0 ? t - ds : t;
+    }
     arrays->density[i] = rho;
     arrays->tau[i] = tau;
     arrays->sun_column[i] = column;
@@ -624,10 +631,11 @@ int TCVolume_Object::integrate_ray(const TCRay& world_ray, TCSpectrum& out,
       std::cout << "Setting ALL matte fields for this object to zero\n";
       matte->clear();
     } else {
-      matte->set_distance(t_in * t_in);
+      matte->set_distance(begins * begins);
     }
   }
 
+  if (entry != nullptr) *entry = begins;
   if (claimed) {
     shared_in_use_ = 0;
   } else {
@@ -868,6 +876,10 @@ void TCVolume_Object::image_volume(TCView& view, object_contour& contour, int to
       }
       if (hits == 0) continue;
       pixels++;
+      // Rays that met only the box's empty cells leave no trace.
+      int any = 0;
+      for (int k = 0; k < n_bands && !any; k++) any = scattered[k] > 0.0 || opacity[k] > 0.0;
+      if (!any) continue;
       const double share = 1.0 / (rays_side * rays_side);
       double coverage = 0.0;
       for (int k = 0; k < n_bands; k++) {

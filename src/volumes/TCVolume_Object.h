@@ -79,8 +79,9 @@ class TCVolume_Object : public box_class {
   // (metres from the ray's origin). opacity_flag set: the view path is
   // dimmed by absorption alone. matte receives this object's values.
   // double_step doubles the step. transmission (per band of out, may be
-  // null) receives T and entry the distance where the march began. 1 when
-  // the ray crossed the box, else 0 with out = background.
+  // null) receives T, entry the distance where the density begins along
+  // the ray (the box's entry when it holds none) and exit where the march
+  // ends. 1 when the ray crossed the box, else 0 with out = background.
   int integrate_ray(const TCRay& world_ray, TCSpectrum& out, const double* background,
                     double far_limit, int opacity_flag, TCMatte_sample* matte, int double_step,
                     double* transmission = nullptr, double* entry = nullptr,

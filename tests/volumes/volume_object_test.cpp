@@ -266,3 +266,23 @@ TEST(VolumeObjectDeathTest, APhaseTableOfOtherThan181AnglesIsRefused) {
       ::testing::ExitedWithCode(1),
       "^only 181 phase function angles currently supported by api \n$");
 }
+
+TEST(VolumeObject, TheEntryReportedIsWhereTheDensityBegins) {
+  Two_band_slab slab;
+  // Empty for x < 0 (planes i < 5 of 11, 10 m apart, x from -50 to 50).
+  for (int k = 0; k < 5; k++)
+    for (int j = 0; j < 11; j++)
+      for (int i = 0; i < 5; i++) slab.volume->density[i + 11 * (j + 11 * k)] = 0.0;
+  slab.volume->make_extinction_field();
+  const int ids[1] = {1};
+  TCSpectrum out = bands_of(1, ids);
+  const TCRay along(TCVector(-60.0, 0.0, 0.0), TCVector(1.0, 0.0, 0.0));
+  double entry = 0.0, exit = 0.0;
+  ASSERT_EQ(slab.volume->integrate_ray(along, out, nullptr, 1e8, 0, nullptr, 0, nullptr, &entry,
+                                       &exit),
+            1);
+  // 12 samples over the 100 m from t = 10: sample 4 (x = -13.6) is the
+  // last empty one, sample 5 (x = -4.5) the first with density.
+  EXPECT_NEAR(entry, 10.0 + 4 * 100.0 / 11, 1e-9);
+  EXPECT_NEAR(exit, 110.0, 1e-9);
+}
