@@ -8,20 +8,16 @@
 // times of the process.
 
 #include <benchmark/benchmark.h>
-#include <sys/resource.h>
-#include <unistd.h>
 
+#include <algorithm>
 #include <cmath>
-#include <cstdio>
-#include <cstdlib>
 #include <fstream>
-#include <iostream>
 #include <sstream>
 #include <string>
 #include <vector>
 
-#include "TCEngine.h"
 #include "TCLattice_file.h"
+#include "engine_scratch.h"
 
 namespace {
 
@@ -67,8 +63,8 @@ std::string cloud_text(int n) {
   std::ostringstream out;
   out << "Tidecast_data_file cloud  1 1\nTidecast_data_file volume 1 1\n"
       << "number_points_x: " << n << "\nnumber_points_y: " << n << "\nnumber_points_z: " << n
-      << "\nlattice_spacing_x: " << 1016.0 / (n - 1) << "\nlattice_spacing_y: "
-      << 1016.0 / (n - 1) << "\nlattice_spacing_z: " << 762.0 / (n - 1)
+      << "\nlattice_spacing_x: " << 1016.0 / (n - 1) << "\nlattice_spacing_y: " << 1016.0 / (n - 1)
+      << "\nlattice_spacing_z: " << 762.0 / (n - 1)
       << "\nnumber_of_bands 3\nband_id  1 2 3\nabsorption:  0.00001 0.00001 0.00001\n"
          "scattering:  0.15 0.15 0.15\nextinction:  0.05 0.05 0.05\n"
          "phase_function_file: phase.dat\nthreshold_density: 0\nscattering_method: multiple\n"
@@ -120,38 +116,15 @@ void write_cloud(int n) {
 void BM_CloudFrame(benchmark::State& state) {
   const int width = static_cast<int>(state.range(0));
   const int lattice = static_cast<int>(state.range(1));
-  char pattern[] = "/tmp/tc_cloud_XXXXXX";
-  const std::string folder = mkdtemp(pattern);
-  char here[4096];
-  const std::string old = getcwd(here, sizeof(here)) ? here : "";
-  if (chdir(folder.c_str()) != 0) std::abort();
-  std::ofstream("scene.dat") << scene_text;
-  std::ofstream("sun.dat") << sun_text;
-  std::ofstream("sky.air") << air_text;
-  std::ofstream("view.cam") << camera_text(width);
-  std::ofstream("cumulus.cloud") << cloud_text(lattice);
+  Engine_scratch scratch;
+  scratch.write("scene.dat", scene_text);
+  scratch.write("sun.dat", sun_text);
+  scratch.write("sky.air", air_text);
+  scratch.write("view.cam", camera_text(width));
+  scratch.write("cumulus.cloud", cloud_text(lattice));
   write_phase_file();
   write_cloud(lattice);
-  char program[] = "TCEngine";
-  char scene[] = "scene.dat";
-  char* argv[] = {program, scene, nullptr};
-  std::streambuf* kept = std::cout.rdbuf();
-  std::ostringstream quiet;
-  for (auto _ : state) {
-    std::cout.rdbuf(quiet.rdbuf());
-    engine_main(2, argv);
-    std::cout.rdbuf(kept);
-    quiet.str("");
-  }
-  struct rusage usage;
-  getrusage(RUSAGE_SELF, &usage);
-  state.counters["peak_MB"] = usage.ru_maxrss / 1024.0;
-  state.counters["pixels"] = static_cast<double>(width) * (width * 9 / 16);
-  for (const char* name : {"scene.dat", "sun.dat", "sky.air", "view.cam", "cumulus.cloud",
-                           "phase.dat", "cumulus.lwc", "cloudc1view0001.img"})
-    std::remove(name);
-  if (!old.empty() && chdir(old.c_str()) != 0) std::abort();
-  rmdir(folder.c_str());
+  scratch.run(state, static_cast<double>(width) * (width * 9 / 16));
 }
 BENCHMARK(BM_CloudFrame)
     ->Args({480, 128})

@@ -8,17 +8,11 @@
 // largest case alone to read its own peak.
 
 #include <benchmark/benchmark.h>
-#include <sys/resource.h>
-#include <unistd.h>
 
-#include <cstdio>
-#include <cstdlib>
-#include <fstream>
-#include <iostream>
 #include <sstream>
 #include <string>
 
-#include "TCEngine.h"
+#include "engine_scratch.h"
 
 namespace {
 
@@ -79,36 +73,13 @@ std::string ocean_text(int lattice) {
 void BM_SeaFrame(benchmark::State& state) {
   const int width = static_cast<int>(state.range(0));
   const int lattice = static_cast<int>(state.range(1));
-  char pattern[] = "/tmp/tc_frame_XXXXXX";
-  const std::string folder = mkdtemp(pattern);
-  char here[4096];
-  const std::string old = getcwd(here, sizeof(here)) ? here : "";
-  if (chdir(folder.c_str()) != 0) std::abort();
-  std::ofstream("scene.dat") << scene_text;
-  std::ofstream("sun.dat") << sun_text;
-  std::ofstream("sky.air") << air_text;
-  std::ofstream("view.cam") << camera_text(width);
-  std::ofstream("sea.ocean") << ocean_text(lattice);
-  char program[] = "TCEngine";
-  char scene[] = "scene.dat";
-  char* argv[] = {program, scene, nullptr};
-  std::streambuf* kept = std::cout.rdbuf();
-  std::ostringstream quiet;
-  for (auto _ : state) {
-    std::cout.rdbuf(quiet.rdbuf());
-    engine_main(2, argv);
-    std::cout.rdbuf(kept);
-    quiet.str("");
-  }
-  struct rusage usage;
-  getrusage(RUSAGE_SELF, &usage);
-  state.counters["peak_MB"] = usage.ru_maxrss / 1024.0;
-  state.counters["pixels"] = static_cast<double>(width) * (width * 9 / 16);
-  for (const char* name : {"scene.dat", "sun.dat", "sky.air", "view.cam", "sea.ocean",
-                           "sea.spectrum", "seac1view0001.img"})
-    std::remove(name);
-  if (!old.empty() && chdir(old.c_str()) != 0) std::abort();
-  rmdir(folder.c_str());
+  Engine_scratch scratch;
+  scratch.write("scene.dat", scene_text);
+  scratch.write("sun.dat", sun_text);
+  scratch.write("sky.air", air_text);
+  scratch.write("view.cam", camera_text(width));
+  scratch.write("sea.ocean", ocean_text(lattice));
+  scratch.run(state, static_cast<double>(width) * (width * 9 / 16));
 }
 BENCHMARK(BM_SeaFrame)
     ->Args({480, 1024})
