@@ -278,9 +278,9 @@ TEST(VolumeObject, TheEntryReportedIsWhereTheDensityBegins) {
   TCSpectrum out = bands_of(1, ids);
   const TCRay along(TCVector(-60.0, 0.0, 0.0), TCVector(1.0, 0.0, 0.0));
   double entry = 0.0, exit = 0.0;
-  ASSERT_EQ(slab.volume->integrate_ray(along, out, nullptr, 1e8, 0, nullptr, 0, nullptr, &entry,
-                                       &exit),
-            1);
+  ASSERT_EQ(
+      slab.volume->integrate_ray(along, out, nullptr, 1e8, 0, nullptr, 0, nullptr, &entry, &exit),
+      1);
   // 12 samples over the 100 m from t = 10: sample 4 (x = -13.6) is the
   // last empty one, sample 5 (x = -4.5) the first with density.
   EXPECT_NEAR(entry, 10.0 + 4 * 100.0 / 11, 1e-9);
