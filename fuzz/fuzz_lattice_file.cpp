@@ -12,7 +12,7 @@
 #include <cstring>
 #include <vector>
 
-#include "TCFluctuation_field.h"
+#include "TCCloud_fluctuations.h"
 #include "TCLattice_file.h"
 #include "quiet_streams.h"
 
@@ -89,7 +89,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const std::vector<unsigned char> again = bytes_of(copy_name);
   if (again.size() != size || std::memcmp(again.data(), data, size) != 0) abort();
 
-  TCFluctuation_field field;
+  TCCloud_fluctuations field;
   if (field.read_file(file_name)) {
     if (field.n_x != n_x || field.n_y != n_y || field.n_z != n_z) abort();
     if (!(field.sigma >= 0.0) || !std::isfinite(field.sigma)) abort();

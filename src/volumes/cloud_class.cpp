@@ -8,7 +8,7 @@
 #include <new>
 
 #include "Cloud_input.h"
-#include "TCFluctuation_field.h"
+#include "TCCloud_fluctuations.h"
 #include "TCLattice_file.h"
 #include "TCSettings.h"
 
@@ -111,8 +111,8 @@ void cloud_class::make_fluctuations(const Cloud_input& input) {
   // length_scale is in metres; the field takes it in its own cells.
   length_cells_ = smallest_cell > 0.0 ? input.length_scale / smallest_cell : 0.0;
 
-  state_now = new (std::nothrow) TCFluctuation_field;
-  state_next = new (std::nothrow) TCFluctuation_field;
+  state_now = new (std::nothrow) TCCloud_fluctuations;
+  state_next = new (std::nothrow) TCCloud_fluctuations;
   const long long cells = static_cast<long long>(ss_n[0]) * ss_n[1] * ss_n[2];
   if (state_now == nullptr || state_next == nullptr || cells > (1LL << 28))
     cloud_failed("unable to allocate small scale fluctuation field");
@@ -134,7 +134,7 @@ void cloud_class::make_fluctuations(const Cloud_input& input) {
     state_now->set_spectrum(power_law_, length_cells_, seed_);
   }
   if (small_scale_fluctuations == Cloud_input::fluctuations_dynamic) {
-    state_zero = new (std::nothrow) TCFluctuation_field;
+    state_zero = new (std::nothrow) TCCloud_fluctuations;
     if (state_zero == nullptr || !state_zero->copy_from(*state_now))
       cloud_failed("unable to allocate small scale fluctuation field");
     restart_chain();
@@ -166,7 +166,7 @@ void cloud_class::make_fluctuations(const Cloud_input& input) {
 // State 0 is the field as made or read; state 1 follows it by one chunk.
 void cloud_class::restart_chain() {
   if (!state_next->copy_from(*state_now) ||
-      !state_next->evolve(TCFluctuation_field::evolve_factor(update_time, sigma_time)))
+      !state_next->evolve(TCCloud_fluctuations::evolve_factor(update_time, sigma_time)))
     cloud_failed("unable to allocate random fluctuation field in cloud class");
   current_step = 0;
   blend(0.0);
@@ -204,11 +204,11 @@ void cloud_class::evolve_cloud(double t) {
         if (verbose)
           std::cout << "evolving one chunk "
                     << "\n";
-        TCFluctuation_field* old = state_now;
+        TCCloud_fluctuations* old = state_now;
         state_now = state_next;
         state_next = old;
         if (!state_next->copy_from(*state_now) ||
-            !state_next->evolve(TCFluctuation_field::evolve_factor(update_time, sigma_time)))
+            !state_next->evolve(TCCloud_fluctuations::evolve_factor(update_time, sigma_time)))
           cloud_failed("unable to allocate random fluctuation field in cloud class");
         current_step++;
       }

@@ -4,7 +4,7 @@
 #include "TCVolume_Object.h"
 
 class Cloud_input;
-class TCFluctuation_field;
+class TCCloud_fluctuations;
 
 // A volume whose density comes from a file (a lattice of liquid water
 // content, or one number for all of it), optionally times a periodic field
@@ -50,10 +50,10 @@ class cloud_class : public TCVolume_Object {
   float* density;     // lattice, index i + n_x (j + n_y k)
   float* extinction;  // column of density towards the sun, same layout
   // The fluctuation states: the one at current_step and the next.
-  TCFluctuation_field* state_now;
-  TCFluctuation_field* state_next;
+  TCCloud_fluctuations* state_now;
+  TCCloud_fluctuations* state_next;
   // Step 0 as made or read, from which the chain starts again.
-  TCFluctuation_field* state_zero;
+  TCCloud_fluctuations* state_zero;
   float* blended;  // (1 - r) now + r next, what density_point reads
   int current_step;
   double interpolation;  // r

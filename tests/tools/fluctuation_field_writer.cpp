@@ -6,14 +6,14 @@
 #include <cstdlib>
 #include <string>
 
-#include "TCFluctuation_field.h"
+#include "TCCloud_fluctuations.h"
 
 int main(int argc, char** argv) {
   if (argc != 11) {
     std::fprintf(stderr, "usage: %s N_X N_Y N_Z POWER WIDTH LENGTH SEED A STEPS PREFIX\n", argv[0]);
     return 2;
   }
-  TCFluctuation_field field;
+  TCCloud_fluctuations field;
   if (!field.generate(std::atoi(argv[1]), std::atoi(argv[2]), std::atoi(argv[3]),
                       std::atof(argv[4]), std::atof(argv[5]), std::atof(argv[6]),
                       std::atoi(argv[7]))) {

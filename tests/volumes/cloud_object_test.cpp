@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "Cloud_input.h"
-#include "TCFluctuation_field.h"
+#include "TCCloud_fluctuations.h"
 #include "TCLattice_file.h"
 #include "TCSettings.h"
 #include "TCVector.h"
@@ -159,9 +159,9 @@ TEST(CloudObject, FluctuationsMultiplyTheLatticeAndAreWrittenOut) {
   EXPECT_EQ(out.text(), "writing to " + folder.file("fluct") + "\n");
   // The field the cloud made is the one the seed makes, its shortest
   // wavelength 0.1 m in cells of the smallest side, 3.75 m.
-  TCFluctuation_field same;
+  TCCloud_fluctuations same;
   ASSERT_TRUE(same.generate(8, 8, 4, 2.0, 0.5, 0.1 / 3.75, 7));
-  TCFluctuation_field written;
+  TCCloud_fluctuations written;
   ASSERT_TRUE(written.read_file(folder.file("fluct").c_str()));
   for (int c = 0; c < 8 * 8 * 4; c++) EXPECT_FLOAT_EQ(written.values()[c], same.values()[c]);
   // A fluctuation cell spans 40 / 8 = 5 m across: (x + 20) / 5 cells.
@@ -183,7 +183,7 @@ TEST(CloudObject, AFieldIsReadBackWhenNotGeneratedAndTheDumpHoldsDensityTimesIt)
   Fluctuating again(Cloud_input::fluctuations_yes_dump_density, folder);
   again.record.generate_file_from_scratch = 0;
   cloud_class cloud(again.record);
-  TCFluctuation_field field;
+  TCCloud_fluctuations field;
   ASSERT_TRUE(field.read_file(folder.file("fluct").c_str()));
   std::vector<float> dumped(60);
   ASSERT_TRUE(TCLattice_file::read(folder.file("dumped").c_str(), 5, 4, 3, dumped.data()));
@@ -231,7 +231,7 @@ TEST(CloudObject, AFrameOnAStepShowsThatStepAloneAndBetweenStepsBlendsTwo) {
   cloud_class cloud(f.record);
   // The chain by hand: step 0 the generated field, each step one chunk of
   // a = exp(-0.5 / 1.0) on.
-  TCFluctuation_field s0, s1, s2, s3;
+  TCCloud_fluctuations s0, s1, s2, s3;
   s0.generate(8, 8, 4, 2.0, 0.5, 0.1 / 3.75, 7);
   s1.copy_from(s0);
   s1.evolve(std::exp(-0.5));

@@ -1,5 +1,5 @@
-#ifndef TC_FLUCTUATION_FIELD_H
-#define TC_FLUCTUATION_FIELD_H
+#ifndef TC_CLOUD_FLUCTUATIONS_H
+#define TC_CLOUD_FLUCTUATIONS_H
 
 #include "TCRandom.h"
 
@@ -13,10 +13,10 @@
 // over the field and f has mean near 1. A field whose band holds no Fourier
 // mode (a 1x1x1 field, or a length_scale longer than the grid) is flat: g = 0,
 // sigma = 0 and f = 1.
-class TCFluctuation_field {
+class TCCloud_fluctuations {
  public:
-  TCFluctuation_field();
-  ~TCFluctuation_field();
+  TCCloud_fluctuations();
+  ~TCCloud_fluctuations();
 
   // Seeds the generator with seed and makes a new field. length_scale is the
   // shortest wavelength in cells (2 is the grid's Nyquist); one of 0 or less
@@ -60,7 +60,7 @@ class TCFluctuation_field {
 
   // Makes this field a copy of other: sizes, g, f, sigma, spectrum and the
   // generator's state. 0, keeping the field, when memory runs out.
-  int copy_from(const TCFluctuation_field& other);
+  int copy_from(const TCCloud_fluctuations& other);
 
   int has_field() const { return f != nullptr; }
   // The n_x * n_y * n_z values of f and of g, or null with no field.
@@ -77,8 +77,8 @@ class TCFluctuation_field {
   double sigma;
 
  private:
-  TCFluctuation_field(const TCFluctuation_field&);
-  TCFluctuation_field& operator=(const TCFluctuation_field&);
+  TCCloud_fluctuations(const TCCloud_fluctuations&);
+  TCCloud_fluctuations& operator=(const TCCloud_fluctuations&);
 
   long long cell_count() const { return static_cast<long long>(n_x) * n_y * n_z; }
   // A new Gaussian part of that spectrum and those sizes into out, drawn from

@@ -1,4 +1,4 @@
-#include "TCFluctuation_field.h"
+#include "TCCloud_fluctuations.h"
 
 #include <cmath>
 #include <new>
@@ -39,7 +39,7 @@ int parameters_are_valid(double power, double length) {
 
 }  // namespace
 
-TCFluctuation_field::TCFluctuation_field()
+TCCloud_fluctuations::TCCloud_fluctuations()
     : n_x(0),
       n_y(0),
       n_z(0),
@@ -51,19 +51,19 @@ TCFluctuation_field::TCFluctuation_field()
       g(nullptr),
       f(nullptr) {}
 
-TCFluctuation_field::~TCFluctuation_field() {
+TCCloud_fluctuations::~TCCloud_fluctuations() {
   free_arrays();
 }
 
-void TCFluctuation_field::free_arrays() {
+void TCCloud_fluctuations::free_arrays() {
   delete[] g;
   delete[] f;
   g = nullptr;
   f = nullptr;
 }
 
-int TCFluctuation_field::make_gaussian_part(int nx, int ny, int nz, double power, double length,
-                                            float* out, int& flat) {
+int TCCloud_fluctuations::make_gaussian_part(int nx, int ny, int nz, double power, double length,
+                                             float* out, int& flat) {
   const long long count = static_cast<long long>(nx) * ny * nz;
   const int longest = nx > ny ? (nx > nz ? nx : nz) : (ny > nz ? ny : nz);
   // The complex form takes any length, odd ones included; the scratch is
@@ -116,14 +116,14 @@ int TCFluctuation_field::make_gaussian_part(int nx, int ny, int nz, double power
   return 1;
 }
 
-void TCFluctuation_field::make_values() {
+void TCCloud_fluctuations::make_values() {
   const long long count = cell_count();
   const double shift = 0.5 * sigma * sigma;
   for (long long c = 0; c < count; c++) f[c] = static_cast<float>(std::exp(sigma * g[c] - shift));
 }
 
-int TCFluctuation_field::generate(int n_x_in, int n_y_in, int n_z_in, double power_law_in,
-                                  double log_normal_width, double length_scale_in, int seed_in) {
+int TCCloud_fluctuations::generate(int n_x_in, int n_y_in, int n_z_in, double power_law_in,
+                                   double log_normal_width, double length_scale_in, int seed_in) {
   if (!parameters_are_valid(power_law_in, length_scale_in) || !std::isfinite(log_normal_width)) {
     return 0;
   }
@@ -161,7 +161,7 @@ int TCFluctuation_field::generate(int n_x_in, int n_y_in, int n_z_in, double pow
   return 1;
 }
 
-int TCFluctuation_field::set_spectrum(double power_law_in, double length_scale_in, int seed_in) {
+int TCCloud_fluctuations::set_spectrum(double power_law_in, double length_scale_in, int seed_in) {
   if (!parameters_are_valid(power_law_in, length_scale_in)) return 0;
   power_law = power_law_in;
   length_scale = length_scale_in;
@@ -170,7 +170,7 @@ int TCFluctuation_field::set_spectrum(double power_law_in, double length_scale_i
   return 1;
 }
 
-int TCFluctuation_field::evolve(double a) {
+int TCCloud_fluctuations::evolve(double a) {
   if (g == nullptr || !(a >= 0.0 && a <= 1.0)) return 0;
   const long long count = cell_count();
   float* fresh = new (std::nothrow) float[count];
@@ -191,14 +191,14 @@ int TCFluctuation_field::evolve(double a) {
   return 1;
 }
 
-double TCFluctuation_field::evolve_factor(double update_time, double sigma_time) {
+double TCCloud_fluctuations::evolve_factor(double update_time, double sigma_time) {
   if (!(sigma_time > 0.0)) return 0.0;
   const double a = std::exp(-update_time / sigma_time);
   if (!(a >= 0.0)) return 0.0;
   return a > 1.0 ? 1.0 : a;
 }
 
-double TCFluctuation_field::value_at(double u, double v, double w) const {
+double TCCloud_fluctuations::value_at(double u, double v, double w) const {
   if (f == nullptr || !std::isfinite(u) || !std::isfinite(v) || !std::isfinite(w)) return 1.0;
   const double at[3] = {u, v, w};
   const int n[3] = {n_x, n_y, n_z};
@@ -231,7 +231,7 @@ double TCFluctuation_field::value_at(double u, double v, double w) const {
   return sum;
 }
 
-float TCFluctuation_field::value(int i, int j, int k) const {
+float TCCloud_fluctuations::value(int i, int j, int k) const {
   if (f == nullptr) return 1.0f;
   i %= n_x;
   if (i < 0) i += n_x;
@@ -242,12 +242,12 @@ float TCFluctuation_field::value(int i, int j, int k) const {
   return f[i + static_cast<long long>(n_x) * (j + static_cast<long long>(n_y) * k)];
 }
 
-int TCFluctuation_field::write_file(const char* path) const {
+int TCCloud_fluctuations::write_file(const char* path) const {
   if (f == nullptr) return 0;
   return TCLattice_file::write(path, n_x, n_y, n_z, f);
 }
 
-int TCFluctuation_field::read_file(const char* path) {
+int TCCloud_fluctuations::read_file(const char* path) {
   int nx = 0, ny = 0, nz = 0;
   if (!TCLattice_file::read_sizes(path, nx, ny, nz)) return 0;
   const long long count = static_cast<long long>(nx) * ny * nz;
@@ -293,7 +293,7 @@ int TCFluctuation_field::read_file(const char* path) {
   return 1;
 }
 
-int TCFluctuation_field::copy_from(const TCFluctuation_field& other) {
+int TCCloud_fluctuations::copy_from(const TCCloud_fluctuations& other) {
   if (&other == this) return 1;
   float* new_g = nullptr;
   float* new_f = nullptr;

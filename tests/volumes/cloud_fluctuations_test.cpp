@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "TCFluctuation_field.h"
+#include "TCCloud_fluctuations.h"
 #include "TCLattice_file.h"
 #include "scratch_folder.h"
 
@@ -26,17 +26,17 @@ Moments moments(const std::vector<double>& values) {
   return {mean, std::sqrt(squares / values.size())};
 }
 
-long long cells(const TCFluctuation_field& field) {
+long long cells(const TCCloud_fluctuations& field) {
   return static_cast<long long>(field.n_x) * field.n_y * field.n_z;
 }
 
-std::vector<double> log_values(const TCFluctuation_field& field) {
+std::vector<double> log_values(const TCCloud_fluctuations& field) {
   std::vector<double> out(cells(field));
   for (size_t c = 0; c < out.size(); c++) out[c] = std::log(static_cast<double>(field.values()[c]));
   return out;
 }
 
-std::vector<double> plain_values(const TCFluctuation_field& field) {
+std::vector<double> plain_values(const TCCloud_fluctuations& field) {
   return std::vector<double>(field.values(), field.values() + cells(field));
 }
 
@@ -74,7 +74,7 @@ double independent_modes(int n_x, int n_y, int n_z, double power, double length)
 
 // |G(m)|^2 of the field's Gaussian part by a direct separable DFT in double,
 // index i + n_x * (j + n_y * k) as the field's.
-std::vector<double> direct_power(const TCFluctuation_field& field) {
+std::vector<double> direct_power(const TCCloud_fluctuations& field) {
   const int n[3] = {field.n_x, field.n_y, field.n_z};
   const long long count = cells(field);
   std::vector<std::complex<double>> data(count);
@@ -103,7 +103,7 @@ std::vector<double> direct_power(const TCFluctuation_field& field) {
 
 // The largest power above the cutoff (and at k = 0) and the mean power in the
 // band, of a field of that length_scale.
-void band_powers(const TCFluctuation_field& field, double length, double& outside,
+void band_powers(const TCCloud_fluctuations& field, double length, double& outside,
                  double& inside_mean) {
   const std::vector<double> power = direct_power(field);
   outside = 0.0;
@@ -128,8 +128,8 @@ void band_powers(const TCFluctuation_field& field, double length, double& outsid
   inside_mean = inside_count ? inside / inside_count : 0.0;
 }
 
-TEST(FluctuationField, LogOfValuesHasTheRequestedWidth) {
-  TCFluctuation_field field;
+TEST(CloudFluctuations, LogOfValuesHasTheRequestedWidth) {
+  TCCloud_fluctuations field;
   ASSERT_EQ(field.generate(16, 16, 16, 2.0, 0.7, 2.0, 5), 1);
   EXPECT_EQ(field.sigma, 0.7);
   const Moments m = moments(log_values(field));
@@ -142,12 +142,12 @@ TEST(FluctuationField, LogOfValuesHasTheRequestedWidth) {
   EXPECT_NEAR(gm.width, 1.0, 1e-6);
 }
 
-TEST(FluctuationField, MeanOfValuesIsNearOne) {
+TEST(CloudFluctuations, MeanOfValuesIsNearOne) {
   // A log normal of width s has variance exp(s^2) - 1; the sample mean over
   // N independent values strays by its square root over sqrt(N). Without the
   // shift by -s^2 / 2 the mean would be exp(s^2 / 2), well outside.
   const double width = 0.5, power = 1.0;
-  TCFluctuation_field field;
+  TCCloud_fluctuations field;
   ASSERT_EQ(field.generate(32, 32, 32, power, width, 2.0, 11), 1);
   const double n = independent_modes(32, 32, 32, power, 2.0);
   const double tolerance = 5.0 * std::sqrt((std::exp(width * width) - 1.0) / n);
@@ -155,9 +155,9 @@ TEST(FluctuationField, MeanOfValuesIsNearOne) {
   EXPECT_NEAR(moments(plain_values(field)).mean, 1.0, tolerance);
 }
 
-TEST(FluctuationField, NoPowerAboveTheCutoffNorAtZero) {
+TEST(CloudFluctuations, NoPowerAboveTheCutoffNorAtZero) {
   // Shortest wavelength 4 cells: |k| up to 0.25 cycles per cell.
-  TCFluctuation_field field;
+  TCCloud_fluctuations field;
   ASSERT_EQ(field.generate(12, 10, 9, 2.5, 1.0, 4.0, 3), 1);
   double outside = 0.0, inside_mean = 0.0;
   band_powers(field, 4.0, outside, inside_mean);
@@ -166,10 +166,10 @@ TEST(FluctuationField, NoPowerAboveTheCutoffNorAtZero) {
   EXPECT_LT(outside, 1e-9 * inside_mean);
 }
 
-TEST(FluctuationField, DefaultLengthScaleKeepsEverythingUpToNyquist) {
+TEST(CloudFluctuations, DefaultLengthScaleKeepsEverythingUpToNyquist) {
   // length_scale 2: the sphere |k| <= 0.5; the corner (0.5, 0.5, 0.5) is out,
   // the axis Nyquist (0.5, 0, 0) is in.
-  TCFluctuation_field field;
+  TCCloud_fluctuations field;
   ASSERT_EQ(field.generate(8, 8, 8, 1.0, 1.0, 2.0, 8), 1);
   const std::vector<double> power = direct_power(field);
   double total = 0.0;
@@ -178,8 +178,8 @@ TEST(FluctuationField, DefaultLengthScaleKeepsEverythingUpToNyquist) {
   EXPECT_GT(power[4], 1e-6 * total / 512);
 }
 
-TEST(FluctuationField, SameSeedGivesTheSameFieldBitForBit) {
-  TCFluctuation_field a, b;
+TEST(CloudFluctuations, SameSeedGivesTheSameFieldBitForBit) {
+  TCCloud_fluctuations a, b;
   ASSERT_EQ(a.generate(10, 12, 14, 1.7, 0.8, 2.5, 42), 1);
   ASSERT_EQ(b.generate(10, 12, 14, 1.7, 0.8, 2.5, 42), 1);
   EXPECT_EQ(std::memcmp(a.values(), b.values(), sizeof(float) * 1680), 0);
@@ -189,17 +189,17 @@ TEST(FluctuationField, SameSeedGivesTheSameFieldBitForBit) {
   EXPECT_EQ(std::memcmp(a.values(), b.values(), sizeof(float) * 1680), 0);
 }
 
-TEST(FluctuationField, OtherSeedGivesAnotherField) {
-  TCFluctuation_field a, b;
+TEST(CloudFluctuations, OtherSeedGivesAnotherField) {
+  TCCloud_fluctuations a, b;
   ASSERT_EQ(a.generate(16, 16, 16, 1.0, 0.8, 2.0, 42), 1);
   ASSERT_EQ(b.generate(16, 16, 16, 1.0, 0.8, 2.0, 43), 1);
   const double n = independent_modes(16, 16, 16, 1.0, 2.0);
   EXPECT_LT(std::fabs(correlation(log_values(a), log_values(b))), 5.0 / std::sqrt(n));
 }
 
-TEST(FluctuationField, EvolveCorrelatesByTheFactorAndKeepsWidthAndBand) {
+TEST(CloudFluctuations, EvolveCorrelatesByTheFactorAndKeepsWidthAndBand) {
   const double a = 0.6, width = 0.9, power = 1.0, length = 3.0;
-  TCFluctuation_field field;
+  TCCloud_fluctuations field;
   ASSERT_EQ(field.generate(20, 18, 16, power, width, length, 7), 1);
   const std::vector<double> before = log_values(field);
   ASSERT_EQ(field.evolve(a), 1);
@@ -215,8 +215,8 @@ TEST(FluctuationField, EvolveCorrelatesByTheFactorAndKeepsWidthAndBand) {
   EXPECT_LT(outside, 1e-9 * inside_mean);
 }
 
-TEST(FluctuationField, EvolveWithFactorOneKeepsAndZeroForgets) {
-  TCFluctuation_field field;
+TEST(CloudFluctuations, EvolveWithFactorOneKeepsAndZeroForgets) {
+  TCCloud_fluctuations field;
   ASSERT_EQ(field.generate(16, 16, 16, 1.0, 0.5, 2.0, 9), 1);
   const std::vector<double> first = log_values(field);
   ASSERT_EQ(field.evolve(1.0), 1);
@@ -228,8 +228,8 @@ TEST(FluctuationField, EvolveWithFactorOneKeepsAndZeroForgets) {
   EXPECT_NEAR(moments(log_values(field)).width, 0.5, 1e-5);
 }
 
-TEST(FluctuationField, EvolveRefusesFactorsOutsideZeroToOneAndAnEmptyField) {
-  TCFluctuation_field field;
+TEST(CloudFluctuations, EvolveRefusesFactorsOutsideZeroToOneAndAnEmptyField) {
+  TCCloud_fluctuations field;
   EXPECT_EQ(field.evolve(0.5), 0);
   ASSERT_EQ(field.generate(4, 4, 4, 1.0, 0.5, 2.0, 1), 1);
   const std::vector<double> first = plain_values(field);
@@ -239,21 +239,21 @@ TEST(FluctuationField, EvolveRefusesFactorsOutsideZeroToOneAndAnEmptyField) {
   EXPECT_EQ(plain_values(field), first);
 }
 
-TEST(FluctuationField, ChunkFactorIsTheExponentialOfUpdateOverSigmaTime) {
-  EXPECT_DOUBLE_EQ(TCFluctuation_field::evolve_factor(0.1, 0.1), std::exp(-1.0));
-  EXPECT_DOUBLE_EQ(TCFluctuation_field::evolve_factor(0.05, 0.2), std::exp(-0.25));
+TEST(CloudFluctuations, ChunkFactorIsTheExponentialOfUpdateOverSigmaTime) {
+  EXPECT_DOUBLE_EQ(TCCloud_fluctuations::evolve_factor(0.1, 0.1), std::exp(-1.0));
+  EXPECT_DOUBLE_EQ(TCCloud_fluctuations::evolve_factor(0.05, 0.2), std::exp(-0.25));
   // No memory at all for a sigma_time of 0 or less.
-  EXPECT_EQ(TCFluctuation_field::evolve_factor(0.1, 0.0), 0.0);
-  EXPECT_EQ(TCFluctuation_field::evolve_factor(0.1, -3.0), 0.0);
-  EXPECT_EQ(TCFluctuation_field::evolve_factor(0.1, std::nan("")), 0.0);
+  EXPECT_EQ(TCCloud_fluctuations::evolve_factor(0.1, 0.0), 0.0);
+  EXPECT_EQ(TCCloud_fluctuations::evolve_factor(0.1, -3.0), 0.0);
+  EXPECT_EQ(TCCloud_fluctuations::evolve_factor(0.1, std::nan("")), 0.0);
   // Held within [0, 1] whatever the update time.
-  EXPECT_EQ(TCFluctuation_field::evolve_factor(-1.0, 0.5), 1.0);
-  EXPECT_EQ(TCFluctuation_field::evolve_factor(1e300, 1e-300), 0.0);
-  EXPECT_EQ(TCFluctuation_field::evolve_factor(std::nan(""), 1.0), 0.0);
+  EXPECT_EQ(TCCloud_fluctuations::evolve_factor(-1.0, 0.5), 1.0);
+  EXPECT_EQ(TCCloud_fluctuations::evolve_factor(1e300, 1e-300), 0.0);
+  EXPECT_EQ(TCCloud_fluctuations::evolve_factor(std::nan(""), 1.0), 0.0);
 }
 
-TEST(FluctuationField, SameSeedEvolvesTheSameWay) {
-  TCFluctuation_field a, b;
+TEST(CloudFluctuations, SameSeedEvolvesTheSameWay) {
+  TCCloud_fluctuations a, b;
   ASSERT_EQ(a.generate(9, 8, 7, 2.0, 0.6, 2.0, 21), 1);
   ASSERT_EQ(b.generate(9, 8, 7, 2.0, 0.6, 2.0, 21), 1);
   for (int step = 0; step < 3; step++) {
@@ -263,23 +263,23 @@ TEST(FluctuationField, SameSeedEvolvesTheSameWay) {
   EXPECT_EQ(std::memcmp(a.values(), b.values(), sizeof(float) * 504), 0);
 }
 
-TEST(FluctuationField, ZeroWidthGivesOneEverywhere) {
-  TCFluctuation_field field;
+TEST(CloudFluctuations, ZeroWidthGivesOneEverywhere) {
+  TCCloud_fluctuations field;
   ASSERT_EQ(field.generate(6, 5, 4, 1.0, 0.0, 2.0, 1), 1);
   for (int c = 0; c < 120; c++) ASSERT_EQ(field.values()[c], 1.0f);
   ASSERT_EQ(field.evolve(0.3), 1);
   for (int c = 0; c < 120; c++) ASSERT_EQ(field.values()[c], 1.0f);
 }
 
-TEST(FluctuationField, NegativeWidthCountsAsItsSize) {
-  TCFluctuation_field field;
+TEST(CloudFluctuations, NegativeWidthCountsAsItsSize) {
+  TCCloud_fluctuations field;
   ASSERT_EQ(field.generate(8, 8, 8, 1.0, -0.4, 2.0, 1), 1);
   EXPECT_EQ(field.sigma, 0.4);
   EXPECT_NEAR(moments(log_values(field)).width, 0.4, 1e-5);
 }
 
-TEST(FluctuationField, PowerNotAboveZeroIsRefusedAndTheFieldKept) {
-  TCFluctuation_field field;
+TEST(CloudFluctuations, PowerNotAboveZeroIsRefusedAndTheFieldKept) {
+  TCCloud_fluctuations field;
   EXPECT_EQ(field.generate(4, 4, 4, 0.0, 1.0, 2.0, 1), 0);
   EXPECT_EQ(field.generate(4, 4, 4, -1.0, 1.0, 2.0, 1), 0);
   EXPECT_EQ(field.generate(4, 4, 4, std::nan(""), 1.0, 2.0, 1), 0);
@@ -294,8 +294,8 @@ TEST(FluctuationField, PowerNotAboveZeroIsRefusedAndTheFieldKept) {
   EXPECT_EQ(field.set_spectrum(0.0, 2.0, 1), 0);
 }
 
-TEST(FluctuationField, OtherRefusals) {
-  TCFluctuation_field field;
+TEST(CloudFluctuations, OtherRefusals) {
+  TCCloud_fluctuations field;
   EXPECT_EQ(field.generate(0, 4, 4, 1.0, 1.0, 2.0, 1), 0);
   EXPECT_EQ(field.generate(4, -4, 4, 1.0, 1.0, 2.0, 1), 0);
   EXPECT_EQ(field.generate(65536, 65536, 65536, 1.0, 1.0, 2.0, 1), 0);
@@ -304,10 +304,10 @@ TEST(FluctuationField, OtherRefusals) {
   EXPECT_EQ(field.has_field(), 0);
 }
 
-TEST(FluctuationField, OddSizesWork) {
+TEST(CloudFluctuations, OddSizesWork) {
   const int sizes[][3] = {{12, 10, 9}, {9, 7, 5}, {7, 11, 13}, {103, 2, 1}, {1, 1, 17}};
   for (const auto& s : sizes) {
-    TCFluctuation_field field;
+    TCCloud_fluctuations field;
     ASSERT_EQ(field.generate(s[0], s[1], s[2], 1.5, 0.6, 2.0, 4), 1) << s[0] << s[1] << s[2];
     EXPECT_NEAR(moments(log_values(field)).width, 0.6, 1e-5) << s[0] << " " << s[1] << " " << s[2];
     double outside = 0.0, inside_mean = 0.0;
@@ -318,31 +318,31 @@ TEST(FluctuationField, OddSizesWork) {
   }
 }
 
-TEST(FluctuationField, SingleCellAndEmptyBandAreFlat) {
+TEST(CloudFluctuations, SingleCellAndEmptyBandAreFlat) {
   // A single cell has only k = 0; a shortest wavelength longer than the grid
   // leaves no mode either.
-  TCFluctuation_field one;
+  TCCloud_fluctuations one;
   ASSERT_EQ(one.generate(1, 1, 1, 1.0, 0.8, 2.0, 1), 1);
   EXPECT_EQ(one.sigma, 0.0);
   EXPECT_EQ(one.value(0, 0, 0), 1.0f);
   ASSERT_EQ(one.evolve(0.5), 1);
   EXPECT_EQ(one.value(0, 0, 0), 1.0f);
-  TCFluctuation_field wide;
+  TCCloud_fluctuations wide;
   ASSERT_EQ(wide.generate(8, 8, 8, 1.0, 0.8, 100.0, 1), 1);
   EXPECT_EQ(wide.sigma, 0.0);
   for (int c = 0; c < 512; c++) ASSERT_EQ(wide.values()[c], 1.0f);
 }
 
-TEST(FluctuationField, WriteThenReadRecoversValuesWidthAndGaussianPart) {
+TEST(CloudFluctuations, WriteThenReadRecoversValuesWidthAndGaussianPart) {
   Scratch_folder folder;
   const std::string path = folder.file("fluctuations.dat");
-  TCFluctuation_field field;
+  TCCloud_fluctuations field;
   ASSERT_EQ(field.generate(10, 9, 8, 1.2, 0.75, 2.0, 13), 1);
   ASSERT_EQ(field.write_file(path.c_str()), 1);
   int n_x = 0, n_y = 0, n_z = 0;
   ASSERT_EQ(TCLattice_file::read_sizes(path.c_str(), n_x, n_y, n_z), 1);
   EXPECT_EQ(n_x * 100 + n_y * 10 + n_z, 1098);
-  TCFluctuation_field back;
+  TCCloud_fluctuations back;
   ASSERT_EQ(back.read_file(path.c_str()), 1);
   EXPECT_EQ(back.n_x, 10);
   EXPECT_EQ(back.n_y, 9);
@@ -354,12 +354,12 @@ TEST(FluctuationField, WriteThenReadRecoversValuesWidthAndGaussianPart) {
   }
 }
 
-TEST(FluctuationField, ConstantFileGivesWidthZero) {
+TEST(CloudFluctuations, ConstantFileGivesWidthZero) {
   Scratch_folder folder;
   const std::string path = folder.file("constant.dat");
   std::vector<float> twos(60, 2.0f);
   ASSERT_EQ(TCLattice_file::write(path.c_str(), 5, 4, 3, twos.data()), 1);
-  TCFluctuation_field field;
+  TCCloud_fluctuations field;
   ASSERT_EQ(field.read_file(path.c_str()), 1);
   EXPECT_EQ(field.sigma, 0.0);
   for (int c = 0; c < 60; c++) {
@@ -368,10 +368,10 @@ TEST(FluctuationField, ConstantFileGivesWidthZero) {
   }
 }
 
-TEST(FluctuationField, ReadRefusesValuesNotAboveZeroAndKeepsTheField) {
+TEST(CloudFluctuations, ReadRefusesValuesNotAboveZeroAndKeepsTheField) {
   Scratch_folder folder;
   const std::string path = folder.file("bad.dat");
-  TCFluctuation_field field;
+  TCCloud_fluctuations field;
   ASSERT_EQ(field.generate(4, 4, 4, 1.0, 0.5, 2.0, 1), 1);
   const std::vector<double> first = plain_values(field);
   const float bad[3] = {0.0f, -1.0f, std::nanf("")};
@@ -386,13 +386,13 @@ TEST(FluctuationField, ReadRefusesValuesNotAboveZeroAndKeepsTheField) {
   EXPECT_EQ(plain_values(field), first);
 }
 
-TEST(FluctuationField, ReadFieldEvolvesWithTheSpectrumItIsGiven) {
+TEST(CloudFluctuations, ReadFieldEvolvesWithTheSpectrumItIsGiven) {
   Scratch_folder folder;
   const std::string path = folder.file("fluctuations.dat");
-  TCFluctuation_field field;
+  TCCloud_fluctuations field;
   ASSERT_EQ(field.generate(12, 12, 12, 2.0, 0.5, 4.0, 13), 1);
   ASSERT_EQ(field.write_file(path.c_str()), 1);
-  TCFluctuation_field back;
+  TCCloud_fluctuations back;
   ASSERT_EQ(back.read_file(path.c_str()), 1);
   ASSERT_EQ(back.set_spectrum(2.0, 4.0, 99), 1);
   ASSERT_EQ(back.evolve(0.5), 1);
@@ -401,12 +401,12 @@ TEST(FluctuationField, ReadFieldEvolvesWithTheSpectrumItIsGiven) {
   band_powers(back, 4.0, outside, inside_mean);
   EXPECT_LT(outside, 1e-9 * inside_mean);
   // Without set_spectrum a read field still evolves (power 1, length 2).
-  TCFluctuation_field plain;
+  TCCloud_fluctuations plain;
   ASSERT_EQ(plain.read_file(path.c_str()), 1);
   EXPECT_EQ(plain.evolve(0.5), 1);
 }
 
-TEST(FluctuationField, ValueAtInterpolatesTrilinearlyAndWrapsAround) {
+TEST(CloudFluctuations, ValueAtInterpolatesTrilinearlyAndWrapsAround) {
   Scratch_folder folder;
   const std::string path = folder.file("known.dat");
   // Value 1 + i + 2 j + 4 k on 2 by 3 by 4 cells.
@@ -417,7 +417,7 @@ TEST(FluctuationField, ValueAtInterpolatesTrilinearlyAndWrapsAround) {
     }
   }
   ASSERT_EQ(TCLattice_file::write(path.c_str(), 2, 3, 4, values.data()), 1);
-  TCFluctuation_field field;
+  TCCloud_fluctuations field;
   ASSERT_EQ(field.read_file(path.c_str()), 1);
   EXPECT_DOUBLE_EQ(field.value_at(1.0, 2.0, 3.0), 1.0 + 1 + 4 + 12);
   EXPECT_FLOAT_EQ(field.value(1, 2, 3), 18.0f);
@@ -439,8 +439,8 @@ TEST(FluctuationField, ValueAtInterpolatesTrilinearlyAndWrapsAround) {
   EXPECT_LE(far, 24.0);
 }
 
-TEST(FluctuationField, CopyIsATwinThatEvolvesAlike) {
-  TCFluctuation_field field, twin;
+TEST(CloudFluctuations, CopyIsATwinThatEvolvesAlike) {
+  TCCloud_fluctuations field, twin;
   ASSERT_EQ(field.generate(8, 6, 10, 1.3, 0.7, 2.0, 17), 1);
   ASSERT_EQ(field.evolve(0.9), 1);
   ASSERT_EQ(twin.copy_from(field), 1);
@@ -450,7 +450,7 @@ TEST(FluctuationField, CopyIsATwinThatEvolvesAlike) {
   ASSERT_EQ(field.evolve(0.4), 1);
   ASSERT_EQ(twin.evolve(0.4), 1);
   EXPECT_EQ(std::memcmp(twin.values(), field.values(), sizeof(float) * 480), 0);
-  TCFluctuation_field empty;
+  TCCloud_fluctuations empty;
   ASSERT_EQ(twin.copy_from(empty), 1);
   EXPECT_EQ(twin.has_field(), 0);
 }
