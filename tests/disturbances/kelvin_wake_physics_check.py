@@ -3,6 +3,9 @@
 
     kelvin_wake_physics_check.py LATTICE dx dy velocity length
         [--acceleration ACC] [--depth D] [--dataset NAME]
+    kelvin_wake_physics_check.py --self-test
+        (case B below passes; lattices made at 1.1 times the speed, with damping of the wrong
+        sign, and an acceleration of the wrong sign each fail their check)
 
 LATTICE and ACC are a .npy array h[j, i] (row j = y index) or an HDF 4 file holding one rank-2
 float data set of dims (n_y, n_x) (read with pyhdf.SD; --dataset picks one by name when the file
@@ -247,7 +250,75 @@ def check_acceleration(wake, acc):
                    reference_rms, acc_rms, 100.0 * ratio, wake.x[take][0], wake.x[take][-1])
 
 
+def run_checks(h, dx, dy, velocity, length, acc=None, out=print):
+    """All checks on one lattice: returns (failed, unusable) counts, reporting through out."""
+    try:
+        wake = Wake(h, dx, dy, velocity, length)
+    except Unusable as reason:
+        out("kelvin wake check cannot run: %s" % reason)
+        return 0, 1
+    checks = [check_wavelength, check_angle]
+    if acc is not None:
+        checks.append(lambda w: check_acceleration(w, acc))
+    failed = unusable = 0
+    for check in checks:
+        try:
+            ok, text = check(wake)
+        except Unusable as reason:
+            unusable += 1
+            out("CANNOT CHECK: %s" % reason)
+            continue
+        failed += 0 if ok else 1
+        out("%s: %s" % ("ok" if ok else "FAILED", text))
+    return failed, unusable
+
+
+def self_test():
+    """Case B from the reference passes; three wrong lattices each fail their own check."""
+    import os
+
+    sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
+    import kelvin_wake_reference as reference
+
+    args = (512, 512, 1.0, 1.0, 40.0, 8.0, 2.0, "ellipse", 0.02, 6.0)
+    lines = []
+    good = reference.generate(*args, 6.0)
+    acc = reference.acceleration(good, 1.0, 1.0, 6.0)
+    problems = []
+    if run_checks(good, 1.0, 1.0, 6.0, 40.0, acc, lines.append) != (0, 0):
+        problems.append("the reference lattice does not pass")
+    fast = reference.generate(*args, 6.6)
+    lines.append("-- made at 1.1 times the speed:")
+    run_checks(fast, 1.0, 1.0, 6.0, 40.0, None, lines.append)
+    if not lines[-2].startswith("FAILED: transverse wavelength"):
+        problems.append("a lattice made at 1.1 times the speed passes the wavelength check")
+    lines.append("-- damping of the wrong sign (the waves run ahead, round the seam):")
+    plain = reference.mode_factor
+    reference.mode_factor = lambda *a: plain(*a).conj()
+    try:
+        ahead = reference.generate(*args, 6.0)
+    finally:
+        reference.mode_factor = plain
+    run_checks(ahead, 1.0, 1.0, 6.0, 40.0, None, lines.append)
+    if not lines[-1].startswith("FAILED: Kelvin half-angle"):
+        problems.append("a wake running ahead passes the angle check")
+    lines.append("-- acceleration of the wrong sign:")
+    run_checks(good, 1.0, 1.0, 6.0, 40.0, -acc, lines.append)
+    if not lines[-1].startswith("FAILED: vertical acceleration"):
+        problems.append("an acceleration of the wrong sign passes")
+    for line in lines:
+        print(line)
+    for problem in problems:
+        print("kelvin wake physics self-check failed: %s" % problem)
+    if problems:
+        return 1
+    print("kelvin wake physics: all self-checks passed")
+    return 0
+
+
 def main(argv):
+    if len(argv) == 2 and argv[1] == "--self-test":
+        return self_test()
     parser = argparse.ArgumentParser(description="Kelvin wake physics checks")
     parser.add_argument("lattice")
     parser.add_argument("dx", type=float)
@@ -260,31 +331,19 @@ def main(argv):
     args = parser.parse_args(argv[1:])
     try:
         h = load_lattice(args.lattice, args.dataset) * args.depth
-        wake = Wake(h, args.dx, args.dy, args.velocity, args.length)
         acc = load_lattice(args.acceleration, args.dataset) if args.acceleration else None
     except Unusable as reason:
         print("kelvin wake check cannot run: %s" % reason)
         return 2
-    checks = [check_wavelength, check_angle]
-    if acc is not None:
-        checks.append(lambda w: check_acceleration(w, acc))
-    failed = unusable = 0
-    for check in checks:
-        try:
-            ok, text = check(wake)
-        except Unusable as reason:
-            unusable += 1
-            print("CANNOT CHECK: %s" % reason)
-            continue
-        failed += 0 if ok else 1
-        print("%s: %s" % ("ok" if ok else "FAILED", text))
+    failed, unusable = run_checks(h, args.dx, args.dy, args.velocity, args.length, acc)
+    total = 2 + (acc is not None)
     if failed:
-        print("kelvin wake physics: %d of %d checks FAILED" % (failed, len(checks)))
+        print("kelvin wake physics: %d of %d checks FAILED" % (failed, total))
         return 1
     if unusable:
-        print("kelvin wake physics: %d of %d checks could not run" % (unusable, len(checks)))
+        print("kelvin wake physics: %d of %d checks could not run" % (unusable, total))
         return 2
-    print("kelvin wake physics: all %d checks passed" % len(checks))
+    print("kelvin wake physics: all %d checks passed" % total)
     return 0
 
 
