@@ -61,6 +61,9 @@ int main(int argc, char** argv) {
     return 2;
   }
 
+  // Files of an earlier run must not pass for this one's.
+  for (int a = 12; a < argc; a++) std::remove(argv[a]);
+
   const int n_x = input.n_x;
   const int n_y = input.n_y;
   std::vector<float> field(static_cast<size_t>(n_x + 2) * n_y, 0.0f);
