@@ -15,6 +15,7 @@
 #include "TCDisturbed_grid.h"
 #include "TCHeight_grid.h"
 #include "TCJerlov_water.h"
+#include "TCKelvin_wake.h"
 #include "TCMatte_fields.h"
 #include "TCObject_kinds.h"
 #include "TCOcean_words.h"
@@ -733,8 +734,12 @@ int TCOcean::build_fields() {
         field = new (std::nothrow)
             TCMultiplier_grid(static_cast<const Height_grid_details_input&>(*entry.record), buffer);
         break;
+      case code_wake:
+        field = new (std::nothrow)
+            TCKelvin_wake(static_cast<const Wake_details_input&>(*entry.record), buffer);
+        break;
       default: {
-        // Reflecting objects, deformations, ripples, wakes and boats are read
+        // Reflecting objects, deformations, ripples and boats are read
         // and placed, but their fields are not part of this build. Nothing
         // failed to allocate here, so the allocation line is not printed.
         const char* word = ocean_disturbance_type_word(entry.field_code);
