@@ -175,9 +175,9 @@ def acceleration(lattice, dx, dy, velocity, zero_edges=True):
 
     The pattern moves as h(x - U t), so d2h/dt2 = U^2 d2h/dx2, whose transform is the factor
     -U^2 kx^2 on each mode. Spectral on the n_x x n_y lattice itself (no padding, so periodic):
-    mean mode 0, each mode times the float32 factor -U^2 kx^2 with kx = i 6.2831853 / (n_x dx), inverse divided by
-    n_x n_y. With zero_edges the first n_x // 20 columns and the last two are zeroed, as the
-    wake field does (the boat's Kelvin branch does not).
+    mean mode 0, each mode times the float32 factor -U^2 kx^2 with kx = i 6.2831853 / (n_x dx),
+    inverse divided by n_x n_y. With zero_edges the first n_x // 20 columns and the last two
+    are zeroed, as the wake field does (the boat's Kelvin branch does not).
     """
     n_y, n_x = lattice.shape
     spectrum = numpy.fft.rfft2(lattice.astype(numpy.float32).astype(numpy.float64))
