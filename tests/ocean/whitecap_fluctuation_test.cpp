@@ -3,6 +3,7 @@
 #include <cmath>
 #include <iostream>
 #include <string>
+#include <vector>
 
 #include "TCFluctuation_field.h"
 #include "TCSettings.h"
@@ -136,4 +137,48 @@ TEST(WhitecapFluctuationDeathTest, TimesBeforeTheReferenceOrGoingBackEndTheRun) 
       },
       ::testing::ExitedWithCode(1),
       "^FLUCT 4 0.5 0.0625\ncan not evolve whitecap backwards in time \n$");
+}
+
+// Each mode moves on as p x + q n with p = sqrt(exp(-k^2 dt^2 decay)),
+// q = sqrt(1 - p^2) and n a fresh normal deviate: over the field's modes the
+// residual after the expected part is uncorrelated with the old value and
+// has variance q^2 (the j = 0 column, partly copied for symmetry, left out).
+TEST(WhitecapFluctuation, ModesKeepTheExpectedCorrelationFromStepToStep) {
+  TCFluctuation_field* field = small_field();
+  const int saved = verbose;
+  verbose = 0;
+  field->update(10.0);
+  const int n_ky = 32 / 2 + 1;
+  std::vector<float> before_r(field->mode_real, field->mode_real + 64 * n_ky);
+  std::vector<float> before_i(field->mode_imag, field->mode_imag + 64 * n_ky);
+  field->update(10.25);
+  verbose = saved;
+  double cross = 0.0, norm = 0.0, residual = 0.0, expected = 0.0;
+  long count = 0;
+  for (int i = 0; i < 64; i++) {
+    for (int j = 1; j < n_ky; j++) {
+      const long m = static_cast<long>(i) * n_ky + j;
+      const double kx = 6.283185307 / 32.0 * (i <= 32 ? i : i - 64);
+      const double ky = 6.283185307 / 16.0 * j;
+      const double a = std::exp(-(kx * kx + ky * ky) * 0.0625 * (0.5 / 4.0) * (0.5 / 4.0));
+      const double p = std::sqrt(a), q2 = 1.0 - a;
+      const int parts = (i == 32 || j == 16) ? 1 : 2;
+      for (int part = 0; part < parts; part++) {
+        const double old = part ? before_i[m] : before_r[m];
+        const double now = part ? field->mode_imag[m] : field->mode_real[m];
+        const double r = now - p * old;
+        cross += r * old;
+        norm += old * old;
+        residual += r * r;
+        expected += q2;
+        count++;
+      }
+    }
+  }
+  ASSERT_GT(count, 1000);
+  // Residual variance q^2 within sampling error (4 standard errors).
+  EXPECT_NEAR(residual / expected, 1.0, 4.0 * std::sqrt(2.0 / count));
+  // No correlation left with the old value.
+  EXPECT_LT(std::fabs(cross) / std::sqrt(norm * expected / count), 4.0);
+  delete field;
 }
