@@ -197,7 +197,10 @@ class Whitecaps:
             self.n_y = 1
             self.length_y = self.interval_y
         ratio = 2.0 * self.max_distance / min(self.length_x, self.length_y)
-        self.num_grids = max(int(math.floor(math.log(ratio) / math.log(2.0))) + 2, 1)
+        if ratio > 0.0:
+            self.num_grids = max(int(math.floor(math.log(ratio) / math.log(2.0))) + 2, 1)
+        else:  # log would be -inf: the floor of one level holds
+            self.num_grids = 1
         self.grid_scale = [float(2 ** g) for g in range(self.num_grids)]
         self.inv_interval_x = 1.0 / self.interval_x
         self.inv_interval_y = 1.0 / self.interval_y
@@ -554,6 +557,11 @@ def check_grid_and_frames():
     assert (c2.n_x, c2.length_x, c2.n_y) == (1, 1.0, 4)
     # log2(2 * 6 / 1) = 3.58: 3 + 2 = 5 levels.
     assert c2.num_grids == 5
+    # A reach of 0 or a small one still keeps one level: floor(log2(0.2)) + 2 = -1.
+    for d in ("0", "0.4"):
+        c = Whitecaps(parse_params(LIFE_PARAMS.replace("max_distance 6", "max_distance " + d)),
+                      lambda x, y, t: 0.0)
+        assert c.num_grids == 1
 
     # Frames: with dt 0.25, spin-up 0.5 in steps of 0.125, the first update
     # runs steps -3..0 at -0.375..0 and step 1 at 0.25; T = 0.6 then runs
