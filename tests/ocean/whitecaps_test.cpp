@@ -368,6 +368,7 @@ TEST(WhitecapCells, ScriptedHistoryRisesHoldsReleasesDecaysFadesAndGoes) {
 
   // -1.2 g: target R1 0.8, held to 0.2 + 0.2.
   caps.update_cell(cell, -1.2);
+  ASSERT_NE(cell, nullptr);
   EXPECT_EQ(cell->acc_previous, -0.75f);
   EXPECT_EQ(cell->acc_latest, -1.2f);
   EXPECT_FLOAT_EQ(cell->refl_previous, 0.2f);
@@ -377,11 +378,13 @@ TEST(WhitecapCells, ScriptedHistoryRisesHoldsReleasesDecaysFadesAndGoes) {
 
   // -0.6 g: target 0.4 + 0.4 * 0.1 / 0.5 = 0.48, within 0.4 + 0.2.
   caps.update_cell(cell, -0.6);
+  ASSERT_NE(cell, nullptr);
   EXPECT_FLOAT_EQ(cell->refl_latest, 0.48f);
   EXPECT_EQ(cell->trans_latest, 0.0f);
 
   // -0.55 g: target 0.44 is below what the cap has; it keeps 0.48.
   caps.update_cell(cell, -0.55);
+  ASSERT_NE(cell, nullptr);
   EXPECT_FLOAT_EQ(cell->refl_previous, 0.48f);
   EXPECT_FLOAT_EQ(cell->refl_latest, 0.48f);
   EXPECT_EQ(cell->acc_latest, -0.55f);
@@ -390,6 +393,7 @@ TEST(WhitecapCells, ScriptedHistoryRisesHoldsReleasesDecaysFadesAndGoes) {
   // +0.8 g releases it: w = (0.5 + 0.55) / (0.8 + 0.55) and the foam keeps
   // exp(-(1 - w) * 0.5 / 4) of its reflectivity.
   caps.update_cell(cell, 0.8);
+  ASSERT_NE(cell, nullptr);
   const double f = std::exp(-(1.0 - 1.05 / 1.35) * 0.5 / 4.0);
   double r = 0.48 * f;
   EXPECT_EQ(cell->released, 1);
@@ -401,9 +405,11 @@ TEST(WhitecapCells, ScriptedHistoryRisesHoldsReleasesDecaysFadesAndGoes) {
   // Above R0 it decays by exp(-0.125) a step, the transmission unchanged,
   // even on the step that takes it below R0.
   caps.update_cell(cell, 0.0);
+  ASSERT_NE(cell, nullptr);
   r *= std::exp(-0.125);
   EXPECT_NEAR(cell->refl_latest, r, 1e-6);
   caps.update_cell(cell, 0.1);
+  ASSERT_NE(cell, nullptr);
   r *= std::exp(-0.125);
   ASSERT_LT(r, 0.4);
   EXPECT_NEAR(cell->refl_latest, r, 1e-6);
@@ -411,6 +417,7 @@ TEST(WhitecapCells, ScriptedHistoryRisesHoldsReleasesDecaysFadesAndGoes) {
 
   // Below R0 it fades by 0.2 a step and lets the water through.
   caps.update_cell(cell, 0.0);
+  ASSERT_NE(cell, nullptr);
   EXPECT_NEAR(cell->refl_previous, r, 1e-6);
   r -= 0.2;
   EXPECT_NEAR(cell->refl_latest, r, 1e-6);
@@ -419,6 +426,7 @@ TEST(WhitecapCells, ScriptedHistoryRisesHoldsReleasesDecaysFadesAndGoes) {
 
   // -0.4 g is no breaking: it fades to nothing, then goes.
   caps.update_cell(cell, -0.4);
+  ASSERT_NE(cell, nullptr);
   EXPECT_EQ(cell->refl_latest, 0.0f);
   EXPECT_EQ(cell->trans_latest, 1.0f);
   caps.update_cell(cell, 0.0);
@@ -458,6 +466,7 @@ TEST(WhitecapCells, ReleaseFactorTakesPlusA1InItsNumerator) {
   EXPECT_DOUBLE_EQ(caps.release_factor(-0.75, 1.0), std::exp(-(1.0 - 1.25 / 1.75) * 0.5 / 4.0));
   Whitecap_point* cell = nullptr;
   caps.update_cell(cell, -1.2);
+  ASSERT_NE(cell, nullptr);
   const float before = cell->refl_latest;
   caps.update_cell(cell, 0.0);
   EXPECT_EQ(cell->refl_latest, before);
