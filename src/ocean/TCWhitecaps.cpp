@@ -10,6 +10,7 @@
 
 #include "TCByte_order.h"
 #include "TCData_file.h"
+#include "TCFluctuation_field.h"
 #include "TCSettings.h"
 #include "TCSpectrum.h"
 #include "ocean_input.h"
@@ -167,11 +168,22 @@ TCWhitecaps::TCWhitecaps(const ocean_input& input)
   } else {
     num_grids = count > most_grids ? most_grids : static_cast<int>(count);
   }
+  if (fluctuation_mode == 1) {
+    fluctuation = new (std::nothrow) TCFluctuation_field(
+        fluctuation_n_x, fluctuation_n_y, fluctuation_dx, fluctuation_dy, fluctuation_seed,
+        fluctuation_length_scale, fluctuation_power_law, fluctuation_time_scale,
+        fluctuation_log_normal_width, time_increment, reference_time);
+    if (fluctuation == nullptr) {
+      std::cout << "unable to allocate memory for fluctuation field "
+                << "\n";
+      std::exit(1);
+    }
+  }
 }
 
 TCWhitecaps::~TCWhitecaps() {
   free_tables();
-  // fluctuation is never made yet, so there is nothing to free.
+  delete fluctuation;
 }
 
 void TCWhitecaps::free_tables() {
@@ -432,7 +444,7 @@ int TCWhitecaps::update(double time, int frame) {
       std::cout << "outputting whitecap static state to " << name << "\n";
     }
   }
-  // Fluctuations (mode 1) would move here; their field is not built yet.
+  if (fluctuation_mode == 1 && fluctuation != nullptr) fluctuation->update(time);
   if (verbose) {
     std::cout << "generating whitecaps at " << time << "\n";
     std::cout << "with weighting " << step_weight << "\n";
@@ -531,9 +543,10 @@ int TCWhitecaps::whitecap_at(double x, double y, double& reflectivity, double& t
   reflectivity = r;
   transmission = t;
   if (r <= 0.0) return 0;
-  if (fluctuation_mode == 1) {
-    // Fluctuations multiply r by their factor, 1 while their field does not
-    // exist, and may not whiten a cell fully.
+  if (fluctuation_mode == 1 && fluctuation != nullptr) {
+    // Foam breaks into patches, averaged over the cell, and never whitens a
+    // cell fully.
+    reflectivity *= fluctuation->factor_at(x, y, scale * interval_x, scale * interval_y);
     if (reflectivity > reflectivity_cap) reflectivity = reflectivity_cap;
   }
   return 1;

@@ -153,8 +153,8 @@ class TCWhitecaps {
   double fluctuation_power_law;
   double fluctuation_time_scale;  // seconds
   double fluctuation_log_normal_width;
-  // The small-scale fluctuation field of fluctuation_mode 1. It is not built
-  // yet, so this stays null and the foam's fluctuation factor is 1.
+  // The small-scale fluctuation field of fluctuation_mode 1, owned; null in
+  // the other modes.
   TCFluctuation_field* fluctuation;
   double* band_scratch;
   int n_bands;

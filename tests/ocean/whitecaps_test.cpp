@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "TCFluctuation_field.h"
 #include "TCSettings.h"
 #include "TCSpectrum.h"
 #include "TCWhitecaps.h"
@@ -1169,7 +1170,7 @@ TEST(WhitecapLookup, RecordsAreWeighedByTheStepWeight) {
   EXPECT_DOUBLE_EQ(t, 0.25 * 0.5);
 }
 
-TEST(WhitecapLookup, ReflectivityIsCappedOnlyWithFluctuations) {
+TEST(WhitecapLookup, FluctuationsScaleTheReflectivityWhichIsThenCapped) {
   ocean_input w;
   set_two_by_two(w);
   TCWhitecaps plain(w);
@@ -1179,14 +1180,24 @@ TEST(WhitecapLookup, ReflectivityIsCappedOnlyWithFluctuations) {
   EXPECT_EQ(plain.whitecap_at(0.0, 0.0, r, t), 1);
   EXPECT_FLOAT_EQ(static_cast<float>(r), 0.98f);
   w.fluctuation_mode = 1;
+  w.fluctuation_n_x = 4;
+  w.fluctuation_n_y = 4;
+  w.fluctuation_dx = 100.0;
+  w.fluctuation_dy = 100.0;
   TCWhitecaps fluctuating(w);
   ASSERT_EQ(allocated(fluctuating), 1);
+  ASSERT_NE(fluctuating.fluctuation, nullptr);
+  // A field of factors 1.2 everywhere, cells far larger than the caps'.
+  for (int k = 0; k < 6 * 4; k++) {
+    fluctuating.fluctuation->field_current[k] = 1.2f;
+    fluctuating.fluctuation->field_previous[k] = 1.2f;
+  }
   place(fluctuating, 0, 1, 1, 0.98f, 0.98f, 0.0f, 0.0f);
   EXPECT_EQ(fluctuating.whitecap_at(0.0, 0.0, r, t), 1);
   EXPECT_EQ(r, 0.95);
   place(fluctuating, 0, 1, 1, 0.5f, 0.5f, 0.0f, 0.0f);
   EXPECT_EQ(fluctuating.whitecap_at(0.0, 0.0, r, t), 1);
-  EXPECT_EQ(r, 0.5);
+  EXPECT_NEAR(r, 0.5 * 1.2f, 1e-7);
 }
 
 TEST(WhitecapBlend, FoamIsLitBySkyAndSunOverTheWaterItLetsThrough) {
