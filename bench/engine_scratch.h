@@ -14,6 +14,24 @@
 
 #include "TCEngine.h"
 
+// The sun of the frame benchmarks: three bands of irradiance 10, 12, 13.
+inline const char* bench_sun_text() {
+  return "Tidecast_data_file sun 1 1\nposition_method_flag 0\nnumber_of_bands 3\n"
+         "band_id 1 2 3\nirradiance 10 12 13\nend\n";
+}
+
+// A three-band camera of width by 9/16 width pixels over the given field of
+// view (degrees), no mattes.
+inline std::string bench_camera_text(int width, double fov_azimuth, double fov_elevation) {
+  std::ostringstream out;
+  out << "Tidecast_data_file camera 3 3\nn_pixel_azimuth " << width << "\nn_pixel_elevation "
+      << width * 9 / 16 << "\nfov_azimuth " << fov_azimuth << "\nfov_elevation " << fov_elevation
+      << "\nimage_method 1\npicture_fraction_flag 0\n"
+         "n_sub_azimuth 1\nn_sub_elevation 1\nnumber_of_bands 3\nband_id 1 2 3\nanti_alias 0\n"
+         "efficiency_matte 0\nimage_slices 1\nimage_format img\nend\nuse_mattes: 0\n";
+  return out.str();
+}
+
 // A scratch folder the engine runs in: the benchmark writes its scene files
 // there, runs the engine on scene.dat once an iteration with its standard
 // output swallowed, and the folder goes with everything in it.

@@ -33,26 +33,12 @@ const char* scene_text =
     "number_of_frames: 1\ntod_flag: 0\nframe_number time\n1 0.0\nend\n"
     "first_frame: 1\nlast_frame: 1\nincrement: 1\n";
 
-const char* sun_text =
-    "Tidecast_data_file sun 1 1\nposition_method_flag 0\nnumber_of_bands 3\n"
-    "band_id 1 2 3\nirradiance 10 12 13\nend\n";
-
 const char* air_text =
     "Tidecast_data_file air 2 2\nnumber_of_bands 3\nband_id  1 2 3\nair_type: haze\n"
     "surface_shape round\nsurface_radius 6371000\nmolecular_height 1\nmolecular_density 1\n"
     "molecular_wavelength_dependence:  4.1\naerosol_height 1\naerosol_density 1\n"
     "aerosol_scattering_strength:  1  1  1\naerosol_scattering_width:  0.7  0.7  0.7\n"
     "sun_max_radiance 4\nend\n";
-
-std::string camera_text(int width) {
-  std::ostringstream out;
-  out << "Tidecast_data_file camera 3 3\nn_pixel_azimuth " << width << "\nn_pixel_elevation "
-      << width * 9 / 16
-      << "\nfov_azimuth 60\nfov_elevation 35\nimage_method 1\npicture_fraction_flag 0\n"
-         "n_sub_azimuth 1\nn_sub_elevation 1\nnumber_of_bands 3\nband_id 1 2 3\nanti_alias 0\n"
-         "efficiency_matte 0\nimage_slices 1\nimage_format img\nend\nuse_mattes: 0\n";
-  return out.str();
-}
 
 std::string ocean_text(int lattice) {
   std::ostringstream out;
@@ -75,9 +61,9 @@ void BM_SeaFrame(benchmark::State& state) {
   const int lattice = static_cast<int>(state.range(1));
   Engine_scratch scratch;
   scratch.write("scene.dat", scene_text);
-  scratch.write("sun.dat", sun_text);
+  scratch.write("sun.dat", bench_sun_text());
   scratch.write("sky.air", air_text);
-  scratch.write("view.cam", camera_text(width));
+  scratch.write("view.cam", bench_camera_text(width, 60, 35));
   scratch.write("sea.ocean", ocean_text(lattice));
   scratch.run(state, static_cast<double>(width) * (width * 9 / 16));
 }
