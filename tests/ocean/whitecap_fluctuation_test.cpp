@@ -182,3 +182,66 @@ TEST(WhitecapFluctuation, ModesKeepTheExpectedCorrelationFromStepToStep) {
   EXPECT_LT(std::fabs(cross) / std::sqrt(norm * expected / count), 4.0);
   delete field;
 }
+
+// The field's power spectrum follows the amplitude's square, |k| / (1 +
+// L^2 k^2)^((1 + p) / 2), up to one constant: measured by a direct Fourier
+// sum of g = (ln f + w^2 / 2) / w over a few fields, in bands of |k|, each
+// band within four of its own sampling errors of the fitted constant.
+TEST(WhitecapFluctuation, ThePowerSpectrumFollowsThePowerLaw) {
+  const int nx = 32, ny = 32;
+  const double d = 0.5, w = 0.6;
+  const int n_bins = 8;
+  double power[n_bins] = {0}, model[n_bins] = {0};
+  int modes[n_bins] = {0};
+  const double k_top = 6.283185307 / (2 * d);  // Nyquist, rad / m
+  for (int seed = 1; seed <= 6; seed++) {
+    TCFluctuation_field* field;
+    {
+      Stream_capture quiet(std::cout);
+      field = new TCFluctuation_field(nx, ny, d, d, seed, 1.5, 2.0, 4.0, w, 0.25, 0.0);
+    }
+    const int saved = verbose;
+    verbose = 0;
+    field->update(0.0);
+    verbose = saved;
+    std::vector<double> g(nx * ny);
+    for (int i = 0; i < nx; i++)
+      for (int j = 0; j < ny; j++) g[i * ny + j] = (std::log(field->value(i, j)) + 0.5 * w * w) / w;
+    // Half the plane of wavenumbers, the axes' Nyquist rows left out.
+    for (int a = -nx / 2 + 1; a < nx / 2; a++) {
+      for (int b = 1; b < ny / 2; b++) {
+        double re = 0.0, im = 0.0;
+        for (int i = 0; i < nx; i++)
+          for (int j = 0; j < ny; j++) {
+            const double phase = 6.283185307179586 * (static_cast<double>(a) * i / nx +
+                                                      static_cast<double>(b) * j / ny);
+            re += g[i * ny + j] * std::cos(phase);
+            im -= g[i * ny + j] * std::sin(phase);
+          }
+        const double kx = 6.283185307 / (nx * d) * a, ky = 6.283185307 / (ny * d) * b;
+        const double k = std::sqrt(kx * kx + ky * ky);
+        const int bin = static_cast<int>(k / k_top * n_bins);
+        if (bin >= n_bins) continue;
+        power[bin] += re * re + im * im;
+        model[bin] += k / std::pow(1.0 + 1.5 * 1.5 * k * k, 1.5);
+        modes[bin]++;
+      }
+    }
+    delete field;
+  }
+  // The constant from all bins together, then each bin against it.
+  double total_power = 0.0, total_model = 0.0;
+  for (int b = 0; b < n_bins; b++) {
+    total_power += power[b];
+    total_model += model[b];
+  }
+  const double constant = total_power / total_model;
+  int checked = 0;
+  for (int b = 0; b < n_bins; b++) {
+    if (modes[b] < 30) continue;
+    // A mode's power is exponential (two normal parts): relative error 1 / sqrt(count).
+    EXPECT_NEAR(power[b] / (constant * model[b]), 1.0, 4.0 / std::sqrt(modes[b])) << "band " << b;
+    checked++;
+  }
+  EXPECT_GE(checked, 5);
+}
