@@ -93,6 +93,21 @@ void TCKelvin_wake::lattice_to_world(double u, double v, double time, double& x,
   y = b * c + a * s + position_y + velocity * s * time;
 }
 
+void TCKelvin_wake::world_to_lattice(double x, double y, double time, double& u, double& v) const {
+  const double c = std::cos(direction);
+  const double s = std::sin(direction);
+  const double along_x = x - position_x - velocity * c * time;
+  const double along_y = y - position_y - velocity * s * time;
+  u = along_x * c + along_y * s + center_x;
+  v = -along_x * s + along_y * c + center_y;
+}
+
+int TCKelvin_wake::hull_covers(double x, double y, double time) const {
+  double u = 0.0, v = 0.0;
+  world_to_lattice(x, y, time, u, v);
+  return inside_hull(u, v);
+}
+
 void TCKelvin_wake::hull_outline(int& count, TCWake_corner ring[4], double time) const {
   const double half_length = 0.5 * boat_length;
   const double half_width = 0.5 * boat_width;

@@ -47,6 +47,11 @@ class TCKelvin_wake : public TCSurface_field {
   int inside_hull(double u, double v) const;
   // Lattice point (u, v) to world (x, y) at time t.
   void lattice_to_world(double u, double v, double time, double& x, double& y) const;
+  // Its inverse: the lattice coordinates (metres) of a sea point at that time.
+  void world_to_lattice(double x, double y, double time, double& u, double& v) const;
+  // 1 when a sea point (metres) lies in the hull at that time (seconds from
+  // the reference time).
+  int hull_covers(double x, double y, double time) const;
   // The hull's box as four world corners, count 4, in the order stern
   // starboard (-L/2, -W/2), bow starboard, bow port, stern port; the ring
   // closes from the last back to the first.

@@ -848,6 +848,15 @@ void TCOcean::surface_slope(double x, double y, double& dzdx, double& dzdy) {
   ocean_grid->slope_at(x, y, dzdx, dzdy, 1);
 }
 
+int TCOcean::hull_covers(double x, double y) const {
+  for (int i = 0; i < n_fields; i++) {
+    if (fields[i] == nullptr || field_info[i].field_code != code_wake) continue;
+    const TCKelvin_wake* wake = static_cast<const TCKelvin_wake*>(fields[i]);
+    if (wake->hull_covers(x, y, current_time - reference_time)) return 1;
+  }
+  return 0;
+}
+
 void TCOcean::hull_mask(unsigned char* buffer, int n_cols, int n_rows) {
   if (buffer == nullptr || n_cols < 1 || n_rows < 1) return;
   // No field of this build draws a hull: the buffer is clear.

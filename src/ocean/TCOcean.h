@@ -74,6 +74,9 @@ class TCOcean : public TCSurface_object {
   // without the round drop.
   double surface_height(double x, double y);
   void surface_slope(double x, double y, double& dzdx, double& dzdy);
+  // 1 when a point of the sea (metres, the lattice's frame) lies under a
+  // ship's hull at the current time: a wake's hull ellipse or rectangle.
+  int hull_covers(double x, double y) const;
   // A byte per pixel, 1 under a boat's hull; zero without a boat or wake.
   void hull_mask(unsigned char* buffer, int n_cols, int n_rows);
   // The light of the water (TCOcean_radiance.cpp). Sides are 1 from above

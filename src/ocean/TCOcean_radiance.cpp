@@ -600,8 +600,10 @@ void TCOcean::surface_radiance(const TCRay& ray, const TCVector& point, const TC
   TCVector normal = normal_in;
   TCVector view;
   direction_to_object(ray.direction(), view);
-  // Water behind a wall is the wall's inside.
-  if (holder != nullptr && holder->behind_reflecting_line(point.x, point.y)) {
+  // Water behind a wall is the wall's inside, and the water under a hull
+  // the hull's.
+  if (holder != nullptr &&
+      (holder->behind_reflecting_line(point.x, point.y) || hull_covers(point.x, point.y))) {
     if (interior_mode == 0) {
       for (int b = 0; b < spectrum.n; b++) spectrum.radiance_in_band[b] = 0.0;
       return;

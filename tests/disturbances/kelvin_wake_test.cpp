@@ -437,3 +437,27 @@ TEST(KelvinWake, AccelerationIsSpeedSquaredTimesTheSecondDerivativeAlongX) {
   // The field itself is left alone.
   EXPECT_FLOAT_EQ(buffer[5], static_cast<float>(0.5 * std::cos(2.0 * 3.1415926535 * 15 / n_x)));
 }
+
+TEST(KelvinWakePlacement, WorldToLatticeUndoesLatticeToWorld) {
+  Wake_details_input input;
+  input.n_x = 8;
+  input.n_y = 4;
+  input.dx = 2.0;
+  input.dy = 2.0;
+  input.generate_wake = 1;
+  input.boat_shape = 0;
+  input.position_x = 3.0;
+  input.position_y = -4.0;
+  input.direction = 2.2;
+  input.velocity = 6.0;
+  std::vector<float> buffer((8 + 2) * 4, 0.0f);
+  Scratch_folder folder;
+  std::snprintf(input.wake_file, sizeof(input.wake_file), "%s", folder.file("w.hdf").c_str());
+  Stream_capture quiet(std::cout);
+  TCKelvin_wake wake(input, buffer.data());
+  double x = 0.0, y = 0.0, u = 0.0, v = 0.0;
+  wake.lattice_to_world(5.5, -1.25, 3.0, x, y);
+  wake.world_to_lattice(x, y, 3.0, u, v);
+  EXPECT_NEAR(u, 5.5, 1e-12);
+  EXPECT_NEAR(v, -1.25, 1e-12);
+}
