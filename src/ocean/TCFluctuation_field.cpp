@@ -2,10 +2,12 @@
 
 #include <cmath>
 #include <cstdlib>
+#include <fstream>
 #include <new>
 
 #include "TCSettings.h"
 #include "fourt.h"
+#include "ocean_input.h"
 
 namespace {
 
@@ -52,6 +54,37 @@ TCFluctuation_field::TCFluctuation_field(int n_x_in, int n_y_in, double dx_in, d
   field_previous = new (std::nothrow) float[floats]();
   field_current = new (std::nothrow) float[floats]();
   if (!mode_real || !mode_imag || !field_previous || !field_current) arrays_failed();
+}
+
+TCFluctuation_field* TCFluctuation_field::from_stream(std::istream& in, double time_increment_in,
+                                                      double reference_time_in) {
+  ocean_input block;
+  if (!block.read_fluctuations(in)) {
+    std::cout << "unable to process input stream in 2D fluctuation field "
+              << "\n";
+    return nullptr;
+  }
+  TCFluctuation_field* field = new (std::nothrow) TCFluctuation_field(
+      block.fluctuation_n_x, block.fluctuation_n_y, block.fluctuation_dx, block.fluctuation_dy,
+      block.fluctuation_seed, block.fluctuation_length_scale, block.fluctuation_power_law,
+      block.fluctuation_time_scale, block.fluctuation_log_normal_width, time_increment_in,
+      reference_time_in);
+  if (field == nullptr)
+    std::cout << "unable to allocate memory for fluctuation field "
+              << "\n";
+  return field;
+}
+
+TCFluctuation_field* TCFluctuation_field::from_file(const char* path, double time_increment_in,
+                                                    double reference_time_in) {
+  std::ifstream in(path);
+  if (!in) {
+    std::cout << "unable to open file " << path << "\n";
+    return nullptr;
+  }
+  TCFluctuation_field* field = from_stream(in, time_increment_in, reference_time_in);
+  if (field == nullptr) std::cout << "unable to read 2D fluctuation field file " << path << "\n";
+  return field;
 }
 
 TCFluctuation_field::~TCFluctuation_field() {

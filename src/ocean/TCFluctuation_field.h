@@ -21,6 +21,15 @@ class TCFluctuation_field {
                       double width_in, double time_increment_in, double reference_time_in);
   ~TCFluctuation_field();
 
+  // A field whose parameters come as the whitecap file's fluctuation block
+  // ("lattice_size:" to "end"), on the whitecaps' clock; null after its
+  // message when the block cannot be read or memory runs out.
+  static TCFluctuation_field* from_stream(std::istream& in, double time_increment_in,
+                                          double reference_time_in);
+  // The same block in a file of its own.
+  static TCFluctuation_field* from_file(const char* path, double time_increment_in,
+                                        double reference_time_in);
+
   // The field at time t (seconds): made on the first call, then moved on a
   // step at a time; the same messages and exits as the whitecaps for a time
   // before the reference or going backwards.

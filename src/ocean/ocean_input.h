@@ -88,6 +88,8 @@ class ocean_input : public surface_object_input {
   int read_sharpening(const char* name);
   int write_sharpening(const char* name) const;
   int read_whitecaps(const char* name);
+  // The whitecap file's fluctuation block, "lattice_size:" to its "end".
+  int read_fluctuations(std::istream& in);
   int write_whitecaps(const char* name) const;
   // The whitecap file's contents; name only for the messages.
   int read_whitecap_stream(std::istream& in, const char* name);
@@ -214,7 +216,6 @@ class ocean_input : public surface_object_input {
   int read_whitecaps_and_textures(std::istream& in, int version);
   int read_exclusions(std::istream& in, int version);
   int read_bands(std::istream& in);
-  int read_fluctuations(std::istream& in);
 
   // Every word the writer needs exists; else 0 after the message.
   int has_words() const;

@@ -1,12 +1,14 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <fstream>
 #include <iostream>
 #include <string>
 #include <vector>
 
 #include "TCFluctuation_field.h"
 #include "TCSettings.h"
+#include "scratch_folder.h"
 #include "stream_capture.h"
 
 namespace {
@@ -244,4 +246,39 @@ TEST(WhitecapFluctuation, ThePowerSpectrumFollowsThePowerLaw) {
     checked++;
   }
   EXPECT_GE(checked, 5);
+}
+
+TEST(WhitecapFluctuation, AFieldCanBeMadeFromTheWhitecapFilesBlock) {
+  Scratch_folder folder;
+  std::ofstream(folder.file("block")) << "lattice_size: 16 8\nlattice_spacing: 0.5 0.25\n"
+                                         "random_seed: 9\nlength_scale: 2\npower_law: 1\n"
+                                         "time_scale: 4\nlog_normal_width: 0.3\nend\n";
+  Stream_capture out(std::cout);
+  TCFluctuation_field* field =
+      TCFluctuation_field::from_file(folder.file("block").c_str(), 0.1, 2.0);
+  ASSERT_NE(field, nullptr);
+  EXPECT_EQ(out.text(), "FLUCT 4 0.5 0.015625\n");
+  EXPECT_EQ(field->n_x, 16);
+  EXPECT_EQ(field->n_y, 8);
+  EXPECT_EQ(field->dy, 0.25);
+  EXPECT_EQ(field->width, 0.3);
+  EXPECT_EQ(field->time_increment, 0.1);
+  EXPECT_EQ(field->reference_time, 2.0);
+  delete field;
+}
+
+TEST(WhitecapFluctuation, AMissingOrCutBlockIsReported) {
+  Scratch_folder folder;
+  {
+    Stream_capture out(std::cout);
+    EXPECT_EQ(TCFluctuation_field::from_file(folder.file("none").c_str(), 0.1, 0.0), nullptr);
+    EXPECT_EQ(out.text(), "unable to open file " + folder.file("none") + "\n");
+  }
+  std::ofstream(folder.file("cut")) << "lattice_size: 16 8\nlattice_spacing: 0.5\n";
+  Stream_capture out(std::cout);
+  EXPECT_EQ(TCFluctuation_field::from_file(folder.file("cut").c_str(), 0.1, 0.0), nullptr);
+  EXPECT_EQ(out.text(),
+            "unable to process input stream in 2D fluctuation field \n"
+            "unable to read 2D fluctuation field file " +
+                folder.file("cut") + "\n");
 }
