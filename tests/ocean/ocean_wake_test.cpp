@@ -12,11 +12,11 @@
 #include "scratch_folder.h"
 #include "stream_capture.h"
 
-// The sea carries a ship's Kelvin pattern with the ship: at every frame the
-// height at a lattice node's place in the world is that node's value.
-TEST(OceanWake, TheWakeLatticeTravelsAcrossTheSeaWithTheShip) {
-  Scratch_folder folder;
-  ocean_input input;
+namespace {
+
+// A flat sea with one ship's wake: a 20 by 4 m rectangle hull 1 m deep on a
+// 128 by 64 lattice of 1 m, from (10, -5) at 5 m/s on a course of 0.5 rad.
+void ship_at_sea(ocean_input& input, const Scratch_folder& folder) {
   small_sea(input, folder);
   input.ocean_spectrum_type = 0;
   Wake_details_input* wake = static_cast<Wake_details_input*>(input.add_disturbance(-6));
@@ -36,6 +36,16 @@ TEST(OceanWake, TheWakeLatticeTravelsAcrossTheSeaWithTheShip) {
   wake->position_y = -5;
   wake->direction = 0.5;
   wake->velocity = 5;
+}
+
+}  // namespace
+
+// The sea carries a ship's Kelvin pattern with the ship: at every frame the
+// height at a lattice node's place in the world is that node's value.
+TEST(OceanWake, TheWakeLatticeTravelsAcrossTheSeaWithTheShip) {
+  Scratch_folder folder;
+  ocean_input input;
+  ship_at_sea(input, folder);
   TCOcean ocean(input);
   std::string printed;
   Verbose_as quiet(0);
@@ -67,25 +77,7 @@ TEST(OceanWake, TheWakeLatticeTravelsAcrossTheSeaWithTheShip) {
 TEST(OceanWake, TheHullCoversTheWaterWhereTheShipIsAtTheFrame) {
   Scratch_folder folder;
   ocean_input input;
-  small_sea(input, folder);
-  input.ocean_spectrum_type = 0;
-  Wake_details_input* wake = static_cast<Wake_details_input*>(input.add_disturbance(-6));
-  wake->n_x = 128;
-  wake->n_y = 64;
-  wake->dx = 1.0;
-  wake->dy = 1.0;
-  wake->generate_wake = 1;
-  std::snprintf(wake->wake_file, 256, "%s", folder.file("w.hdf").c_str());
-  wake->boat_shape = 1;
-  wake->boat_length = 20;
-  wake->boat_width = 4;
-  wake->boat_depth = 1;
-  wake->damping_eps = 0.02;
-  wake->damping_us = 4;
-  wake->position_x = 10;
-  wake->position_y = -5;
-  wake->direction = 0.5;
-  wake->velocity = 5;
+  ship_at_sea(input, folder);
   TCOcean ocean(input);
   std::string printed;
   Verbose_as quiet(0);
