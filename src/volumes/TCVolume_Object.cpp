@@ -469,17 +469,8 @@ int TCVolume_Object::integrate_ray(const TCRay& world_ray, TCSpectrum& out,
     allocation_failed("unable to allocate integrand_value ");
   }
 
-  // About one cell along the ray's main axis.
   const TCVector d = ray.direction();
-  double w[3], w_sum = 0.0, smallest = 0.0;
-  for (int a = 0; a < 3; a++) {
-    w[a] = spacing[a] > 0.0 ? (d[a] / spacing[a]) * (d[a] / spacing[a]) : 0.0;
-    w_sum += w[a];
-    if (spacing[a] > 0.0 && (smallest == 0.0 || spacing[a] < smallest)) smallest = spacing[a];
-  }
-  double step = 0.0;
-  for (int a = 0; a < 3; a++) step += (w_sum > 0.0 ? w[a] / w_sum : 0.0) * spacing[a];
-  if (step < smallest) step = smallest;
+  double step = march_step(d);
   if (double_step) step *= 2.0;
   if (!(step > 0.0)) step = length_along;
 
@@ -644,18 +635,32 @@ int TCVolume_Object::integrate_ray(const TCRay& world_ray, TCSpectrum& out,
   return 1;
 }
 
-double TCVolume_Object::density_column(const TCRay& object_ray, double t0, double t1) {
-  if (!(t1 > t0)) return 0.0;
-  const TCVector d = object_ray.direction();
-  double w[3], w_sum = 0.0, smallest = 0.0;
+double TCVolume_Object::smallest_spacing() const {
+  double smallest = 0.0;
+  for (int a = 0; a < 3; a++) {
+    if (spacing[a] > 0.0 && (smallest == 0.0 || spacing[a] < smallest)) smallest = spacing[a];
+  }
+  return smallest;
+}
+
+// About one cell along the ray's main axis: the spacings weighted by
+// (d_i / L_i)^2, not below the smallest spacing.
+double TCVolume_Object::march_step(const TCVector& d) const {
+  double w[3], w_sum = 0.0;
   for (int a = 0; a < 3; a++) {
     w[a] = spacing[a] > 0.0 ? (d[a] / spacing[a]) * (d[a] / spacing[a]) : 0.0;
     w_sum += w[a];
-    if (spacing[a] > 0.0 && (smallest == 0.0 || spacing[a] < smallest)) smallest = spacing[a];
   }
   double step = 0.0;
   for (int a = 0; a < 3; a++) step += (w_sum > 0.0 ? w[a] / w_sum : 0.0) * spacing[a];
-  if (step < smallest) step = smallest;
+  const double smallest = smallest_spacing();
+  return step < smallest ? smallest : step;
+}
+
+double TCVolume_Object::density_column(const TCRay& object_ray, double t0, double t1) {
+  if (!(t1 > t0)) return 0.0;
+  const TCVector d = object_ray.direction();
+  double step = march_step(d);
   if (!(step > 0.0)) step = t1 - t0;
   long n = static_cast<long>(std::floor((t1 - t0) / step)) + 2;
   if (n > MAX_INTEGRAND) n = MAX_INTEGRAND;
@@ -786,10 +791,7 @@ void TCVolume_Object::image_volume(TCView& view, object_contour& contour, int to
   const double centre_distance = std::sqrt(centre_in_view.dot(centre_in_view));
   double pixel_size = std::fabs(view.step_elevation);
   if (std::fabs(view.step_azimuth) > pixel_size) pixel_size = std::fabs(view.step_azimuth);
-  double smallest = 0.0;
-  for (int a = 0; a < 3; a++) {
-    if (spacing[a] > 0.0 && (smallest == 0.0 || spacing[a] < smallest)) smallest = spacing[a];
-  }
+  const double smallest = smallest_spacing();
   int rays_side = 1;
   if (smallest > 0.0) {
     const double cells = pixel_size * centre_distance / smallest;

@@ -94,6 +94,10 @@ class TCVolume_Object : public box_class {
   // Column of density along the object-frame ray from distance t0 to t1,
   // by the trapezoid at the march's step.
   double density_column(const TCRay& object_ray, double t0, double t1);
+  // The lattice's smallest nonzero spacing (metres), 0 for none.
+  double smallest_spacing() const;
+  // The march's step along an object-frame direction, before doubling.
+  double march_step(const TCVector& d) const;
   // Band index of the object for a band id, or -1.
   int object_band(int id) const;
 

@@ -335,9 +335,9 @@ double cloud_class::density_lattice(const TCVector& point, double& rho) {
 
 double cloud_class::small_scale_factor() {
   if (blended == nullptr) return 0.0;
-  double smallest = 0.0, cell = 0.0;
+  const double smallest = smallest_spacing();
+  double cell = 0.0;
   for (int a = 0; a < 3; a++) {
-    if (spacing[a] > 0.0 && (smallest == 0.0 || spacing[a] < smallest)) smallest = spacing[a];
     if (ss_cell[a] > 0.0 && (cell == 0.0 || ss_cell[a] < cell)) cell = ss_cell[a];
   }
   if (!(smallest > 0.0) || !(cell > 0.0)) return 0.0;
